@@ -1,0 +1,24 @@
+// Receives every record that passed the logger's threshold.
+//
+// Ownership: nobody deletes a sink through this interface; sinks live until the process ends.
+// Thread-safety: Write() may be called from any thread; an implementation does its own locking.
+#pragma once
+
+#include "CoreMisc/LogInterface/Logger.h"
+
+namespace com_qel::Korvel::LogInterface {
+
+class ISink {
+  public:
+    ISink(const ISink&) = delete;
+    ISink& operator=(const ISink&) = delete;
+
+    // `text` is the NUL-terminated record text and is not kept.
+    virtual void Write(Severity severity, const char* text) = 0;
+
+  protected:
+    ISink() = default;
+    ~ISink() = default;
+};
+
+}  // namespace com_qel::Korvel::LogInterface

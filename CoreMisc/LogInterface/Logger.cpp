@@ -1,0 +1,108 @@
+#include "CoreMisc/LogInterface/Logger.h"
+
+#include <syslog.h>
+
+#include <ctime>
+#include <filesystem>
+#include <stdexcept>
+
+#include "CoreMisc/LogInterface/LogConfig.h"
+#include "CoreMisc/LogInterface/RollingTextFileBackEnd.h"
+#include "CoreMisc/LogInterface/Sink.h"
+#include "CoreMisc/LogInterface/StdOutBackEnd.h"
+#include "CoreMisc/LogInterface/SyslogSink.h"
+#include "CoreMisc/LogInterface/TextFileBackEnd.h"
+
+namespace com_qel::Korvel::LogInterface {
+
+namespace {
+
+constexpr uint32_t defaultRollingLimitBytes = 5000;
+constexpr const char* consoleDirectory = "*";
+
+// The local time in asctime()'s form, its newline included; empty for a year that asctime() cannot
+// write. Runs under the mutex of the one formatting sink, as FormatLine() demands of its caller.
+const char* localTimeStamp() {
+    const std::time_t now = std::time(nullptr);
+    const std::tm* local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe): see above
+    const char* stamp = local != nullptr ? std::asctime(local)
+                                         : nullptr;  // NOLINT(concurrency-mt-unsafe): see above
+    return stamp != nullptr ? stamp : "";
+}
+
+}  // namespace
+
+const char* LevelName(Severity severity) {
+    static constexpr const char* names[] = {"trace", "debug", "info", "warning", "error", "fatal"};
+    return severity <= SeverityFatal ? names[severity] : "unknown";
+}
+
+const char* FormatLine(const char* levelName, const char* text) {
+    // Never destroyed: a record may come from the destructor of any static.
+    static std::string& line = *new std::string;
+    line.assign("[").append(localTimeStamp());
+    line.append("] <").append(levelName).append(">: ").append(text);
+    return line.c_str();
+}
+
+Logger& Logger::Instance() {
+    // Never destroyed: a record may come from the destructor of any static.
+    static Logger* const logger = new Logger;
+    return *logger;
+}
+
+void Logger::Dispatch(Severity severity, const char* text) {
+    for (ISink* sink : sinks_) {
+        sink->Write(severity, text);
+    }
+}
+
+void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatter) {
+    const LogConfig config(SeverityFatal, LogTypeConsole, "./", name, defaultRollingLimitBytes);
+    const std::string path = std::filesystem::path(config.root) / config.name;
+    switch (config.type) {
+        case LogTypeTextFile:
+            AddFormattingSink(formatter, new TextFileBackEnd(path));
+            break;
+        case LogTypeRollingTextFile:
+            AddFormattingSink(formatter, new RollingTextFileBackEnd(path, config.size));
+            break;
+        case LogTypeConsole:
+            AddFormattingSink(formatter, new StdOutBackEnd);
+            break;
+        case LogTypeSyslog:
+            openlog(nullptr, LOG_PID | LOG_CONS | LOG_NDELAY, LOG_USER);
+            AddSink(new SyslogSink);
+            break;
+        case LogTypeInMemory:
+        default:
+            break;
+    }
+    threshold_ = config.level;
+}
+
+void Logger::ConfigureFile(const std::string& name, const std::string& directory, int level,
+                           Formatter formatter) {
+    if (directory == consoleDirectory) {
+        AddFormattingSink(formatter, new StdOutBackEnd);
+    } else {
+        const std::filesystem::path path = std::filesystem::path(directory) / (name + ".log");
+        const std::filesystem::path parent = path.parent_path();
+        if (!exists(status(parent))) {
+            throw std::runtime_error("Cannot create log file: Path is invalid " + parent.string());
+        }
+        AddFormattingSink(formatter, new TextFileBackEnd(path));
+    }
+    const bool isSeverity = level >= 0 && level <= static_cast<int>(SeverityFatal);
+    threshold_ = isSeverity ? static_cast<Severity>(level) : SeverityError;
+}
+
+void Logger::AddSink(ISink* sink) {
+    sinks_.push_back(sink);
+}
+
+void Logger::AddFormattingSink(Formatter formatter, IBackEnd* backEnd) {
+    AddSink(new Sink(formatter, backEnd));
+}
+
+}  // namespace com_qel::Korvel::LogInterface

@@ -1,0 +1,82 @@
+// The process-wide logger: a threshold and an ordered list of sinks.
+//
+// Ownership: the one instance, its sinks and their back-ends are created on demand and live until
+// the process ends; nothing is ever freed, so a record may be written from any static's constructor
+// or destructor.
+// Thread-safety: Instance() may be called from any thread. The two Configure functions change the
+// sink list without a lock and belong to the single-threaded start of a process; Dispatch() and
+// Threshold() may run on any thread once configuration is over.
+// Process-safety: the instance belongs to one process; two processes that log to one file overwrite
+// each other.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace com_qel::Korvel::LogInterface {
+
+class ISink;
+class IBackEnd;
+
+// The logger's scale. Values above SeverityFatal may arrive through casts; LevelName() names them
+// "unknown".
+enum Severity : uint32_t {
+    SeverityTrace = 0,
+    SeverityDebug = 1,
+    SeverityInfo = 2,
+    SeverityWarning = 3,
+    SeverityError = 4,
+    SeverityFatal = 5,
+};
+
+// The lower-case name of `severity`; a string with static lifetime.
+const char* LevelName(Severity severity);
+
+// Turns a level name and a record text into a finished line without its closing newline. Both
+// arguments are NUL-terminated; the result stays valid until the formatter's next call.
+using Formatter = const char* (*)(const char* levelName, const char* text);
+
+// The formatter used throughout: "[" + local time + "] <" + level name + ">: " + text. The time
+// comes from asctime() and keeps its newline, so a line is printed as two.
+// Not thread-safe: the line is built in one process-wide string; a Sink calls it under its mutex.
+// Throws std::length_error or std::bad_alloc when the line cannot be built.
+const char* FormatLine(const char* levelName, const char* text);
+
+class Logger {
+  public:
+    // The one logger, created on first use with threshold SeverityFatal and no sinks.
+    static Logger& Instance();
+
+    Logger(const Logger&) = delete;
+    Logger& operator=(const Logger&) = delete;
+
+    // Records below this severity are not to be dispatched. The caller compares: see Dispatch().
+    Severity Threshold() const { return threshold_; }
+
+    // Hands `text` to every sink in the order in which they were added. Filters nothing.
+    void Dispatch(Severity severity, const char* text);
+
+    // Adds the sink that the VRAX_LOG_* variables of the environment ask for and sets the
+    // threshold. `name` is the log file's name unless the environment holds another. Never reports
+    // an unusable setting or a file that cannot be opened; such lines are lost.
+    void ConfigureFromEnvironment(const std::string& name, Formatter formatter);
+
+    // Adds a text file sink on `directory`/`name`.log, truncating an older file, or a console sink
+    // when `directory` is "*", and sets the threshold to `level` (SeverityError when `level` is not
+    // a severity). Throws std::runtime_error when the parent directory does not exist and
+    // std::filesystem::filesystem_error when it cannot be examined; nothing has changed then.
+    void ConfigureFile(const std::string& name, const std::string& directory, int level,
+                       Formatter formatter);
+
+  private:
+    Logger() = default;
+
+    void AddSink(ISink* sink);
+    void AddFormattingSink(Formatter formatter, IBackEnd* backEnd);
+
+    Severity threshold_ = SeverityFatal;
+    std::vector<ISink*> sinks_;
+};
+
+}  // namespace com_qel::Korvel::LogInterface

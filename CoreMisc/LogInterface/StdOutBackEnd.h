@@ -1,0 +1,16 @@
+// Writes lines to the process's standard output.
+//
+// It shares the C stream `stdout` with the program's own output, so the two keep their order, and
+// relies on that stream's flushing.
+#pragma once
+
+#include "CoreMisc/LogInterface/IBackEnd.h"
+
+namespace com_qel::Korvel::LogInterface {
+
+class StdOutBackEnd final : public IBackEnd {
+  public:
+    void Write(const char* line) override;
+};
+
+}  // namespace com_qel::Korvel::LogInterface

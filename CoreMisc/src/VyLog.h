@@ -1,0 +1,65 @@
+// A log record: built on the caller's stack, written when it goes out of scope.
+//
+//     VyLog(VyLog::Error, "Vantric/ModemClient", __LINE__, 0).stream() << "text" << value;
+//
+// A trace record is created only when VyLog::TraceMask() has the bit of its category set.
+//
+// Construction writes the record's header, and the first record of the process configures the
+// logger from the environment. Destruction drops the record when its severity is below the logger's
+// threshold and otherwise dispatches it.
+// Thread-safety: a record belongs to one thread. The switches (trace mask, file and line, colours)
+// and the first record are unsynchronised: set up logging before starting threads.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <sstream>
+
+namespace com_qel {
+
+class VyLog {
+  public:
+    enum Level : uint32_t { Error = 0, Warning = 1, Info = 2, Trace = 3 };
+
+    // `file` is a source path with static lifetime, of which the record shows the base name; null
+    // shows "UNKNOWN". `category` is 0 for ordinary records and the trace category's bit for trace
+    // records. A level outside the enumeration shows as "UNKNOWN" and counts as trace.
+    // Throws what configuring the logger throws (std::bad_alloc).
+    VyLog(Level level, const char* file, int line, uint64_t category);
+
+    // Filters and dispatches. An exception in here ends the process.
+    virtual ~VyLog();
+
+    VyLog(const VyLog&) = delete;
+    VyLog& operator=(const VyLog&) = delete;
+
+    // Where the message goes. After a trace record's header the stream is left-adjusted.
+    std::ostream& stream() { return stream_; }
+
+    // The trace categories to be written, one bit each; 0 at start.
+    static uint64_t TraceMask();
+    static void SetTraceMask(uint64_t mask);
+
+    // Whether record headers show file and line; true at start.
+    static void SetShowFileLine(bool show);
+
+    // Whether records are wrapped in terminal colours; false at start. The closing sequence is bold
+    // white, not a reset.
+    static void SetColors(bool show);
+
+    // Configures the logger from the environment unless a record has already done so.
+    static void Init();
+
+    // Writes the wall clock as seconds in a field of 12, ".", and microseconds left-adjusted in a
+    // field of 8. The stream stays left-adjusted.
+    static void AppendTimestamp(VyLog& record);
+
+  private:
+    std::ostringstream stream_;
+    Level level_;
+    const char* file_;
+    int line_;
+    uint64_t category_;
+};
+
+}  // namespace com_qel

@@ -1,0 +1,35 @@
+// A POSIX mutex (normal, non-recursive, private to the process) that reports failures through the
+// log and turns POSIX results into a small result code.
+//
+// As thread-safe as the POSIX mutex it wraps. Nothing throws.
+#pragma once
+
+#include <pthread.h>
+
+namespace com_qel::utils {
+
+class Mutex {
+  public:
+    // Results of Lock() and Unlock() other than 0, success.
+    enum : int { ERR_BUSY = 1, ERR_UNKNOWN = 2 };
+
+    // A failed initialisation is logged only.
+    Mutex();
+
+    // A mutex that cannot be destroyed (it is held) is logged only.
+    virtual ~Mutex();
+
+    Mutex(const Mutex&) = delete;
+    Mutex& operator=(const Mutex&) = delete;
+
+    // Blocks until the mutex is held: 0, ERR_BUSY for EBUSY, ERR_UNKNOWN for any other failure.
+    int Lock();
+
+    // 0, or ERR_UNKNOWN for any failure, EBUSY included.
+    int Unlock();
+
+  private:
+    pthread_mutex_t mutex_;
+};
+
+}  // namespace com_qel::utils
