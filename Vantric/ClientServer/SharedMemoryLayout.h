@@ -1,0 +1,92 @@
+// One state segment: a record behind a header that says which layout it has and whether it is
+// valid.
+//
+// The server publishes, clients read. A copy is never torn: both sides hold the contents lock.
+// Ownership: owns its mapping; nothing refers to the segment once the object is gone.
+// Thread-safety: none, an object belongs to one thread. Process-safety: read() and publish() take
+// the contents lock for the header and one fixed-size copy only.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+#include <string>
+#include <type_traits>
+
+#include "Vantric/ClientServer/SharedMemoryDirectAccessor.h"
+
+namespace com_qel::Orvane::Vantric::ClientServer {
+
+template <class T, class Provider>
+class SharedMemoryLayout {
+  public:
+#pragma pack(push, 1)
+    struct Layout {
+        uint32_t version;  // of the layout; written by the server
+        uint8_t valid;     // 1 when a record has been published, anything else when not
+        uint8_t reserved[3];
+        T record;
+    };
+#pragma pack(pop)
+
+    static_assert(std::is_trivially_copyable_v<Layout>);
+    static_assert(offsetof(Layout, version) == 0);
+    static_assert(offsetof(Layout, valid) == 4);
+    static_assert(offsetof(Layout, reserved) == 5);
+    static_assert(offsetof(Layout, record) == 8);
+    static_assert(sizeof(Layout) == 8 + sizeof(T));
+
+    using Accessor = SharedMemoryDirectAccessor<Layout, Provider>;
+
+    // Maps the segment `name`, creating it when it is missing. `version` is the one layout version
+    // that this process reads and writes. Passes on what the provider throws.
+    SharedMemoryLayout(const std::string& name, uint32_t version)
+        : version_(version), accessor_(name) {}
+
+    virtual ~SharedMemoryLayout() = default;
+
+    SharedMemoryLayout(const SharedMemoryLayout&) = delete;
+    SharedMemoryLayout& operator=(const SharedMemoryLayout&) = delete;
+
+    virtual bool isCompatibleVersion(uint32_t version) {
+        return version == version_;
+    }
+
+    // The reader's side: copies the published record to `record` and returns true. Without a valid
+    // record of a compatible version `record` is all zero and the result false.
+    bool read(T& record) {
+        const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
+        const Layout* layout = accessor_.memory();
+        const uint32_t version = layout->version;
+        const uint8_t valid = layout->valid;
+        if (!isCompatibleVersion(version) || valid != validMark) {
+            std::memset(static_cast<void*>(&record), 0, sizeof(record));
+            return false;
+        }
+        std::memcpy(static_cast<void*>(&record), &layout->record, sizeof(record));
+        return true;
+    }
+
+    // The writer's side: publishes `record` under this object's version.
+    void publish(const T& record) {
+        const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
+        Layout* layout = accessor_.memory();
+        std::memcpy(static_cast<void*>(&layout->record), &record, sizeof(record));
+        layout->version = version_;
+        layout->valid = validMark;
+    }
+
+    // The segment itself, for owners that need more than whole records.
+    Accessor& accessor() {
+        return accessor_;
+    }
+
+  private:
+    static constexpr uint8_t validMark = 1;
+
+    uint32_t version_;
+    Accessor accessor_;
+};
+
+}  // namespace com_qel::Orvane::Vantric::ClientServer

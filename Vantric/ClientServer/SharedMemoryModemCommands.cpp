@@ -1,0 +1,101 @@
+#include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+
+#include <cstring>
+
+#include "CoreMisc/src/VyLog.h"
+#include "Vantric/ClientServer/SharedMemoryCircularBuffer.h"
+
+namespace com_qel::Orvane::Vantric::ClientServer {
+
+namespace {
+
+constexpr const char* sourceFile = "Vantric/ClientServer/SharedMemoryModemCommands";
+
+// These two lines are part of their records' contract.
+constexpr int missingBufferLine = 87;
+constexpr int insufficientBufferLine = 93;
+
+constexpr uint32_t ringCapacity = 4096;
+
+using Ring = SharedMemoryCircularBuffer<unsigned char, ringCapacity>;
+
+static_assert(sizeof(Ring::Memory) == 4124);
+static_assert(offsetof(Ring::Memory, initialized) == 0);
+static_assert(offsetof(Ring::Memory, producers) == 4);
+static_assert(offsetof(Ring::Memory, consumers) == 8);
+static_assert(offsetof(Ring::Memory, readIndex) == 12);
+static_assert(offsetof(Ring::Memory, writeIndex) == 16);
+static_assert(offsetof(Ring::Memory, capacity) == 20);
+static_assert(offsetof(Ring::Memory, full) == 24);
+static_assert(offsetof(Ring::Memory, empty) == 25);
+static_assert(offsetof(Ring::Memory, data) == 26);
+
+struct FrameHeader {
+    uint32_t command;
+    uint32_t payloadSize;
+};
+static_assert(sizeof(FrameHeader) == 8);
+
+constexpr uint32_t largestPayload = ringCapacity - sizeof(FrameHeader);
+
+}  // namespace
+
+struct SharedMemoryModemCommands::Implementation {
+    Ring ring;
+};
+
+SharedMemoryModemCommands::SharedMemoryModemCommands(bool consumer)
+    : implementation_(new Implementation{{"ModemCommandsShm", consumer}}) {}
+
+SharedMemoryModemCommands::~SharedMemoryModemCommands() = default;
+
+bool SharedMemoryModemCommands::enqueue(uint32_t command, const void* payload, uint32_t size) {
+    if (size > largestPayload || (payload == nullptr && size != 0)) {
+        return true;
+    }
+    const FrameHeader header = {command, size};
+    const uint32_t frameSize = static_cast<uint32_t>(sizeof(header)) + size;
+    const std::unique_ptr<unsigned char[]> frame(new unsigned char[frameSize]);
+    std::memcpy(frame.get(), &header, sizeof(header));
+    if (size != 0) {
+        std::memcpy(frame.get() + sizeof(header), payload, size);
+    }
+    implementation_->ring.write(frame.get(), frameSize);
+    return true;
+}
+
+bool SharedMemoryModemCommands::dequeue(uint32_t& command, void* buffer, uint32_t* size) {
+    unsigned char headerBytes[sizeof(FrameHeader)];
+    if (!implementation_->ring.read(headerBytes, sizeof(headerBytes))) {
+        return false;
+    }
+    FrameHeader header;
+    std::memcpy(&header, headerBytes, sizeof(header));
+    if (header.payloadSize == 0) {
+        command = header.command;
+        return true;
+    }
+    const auto signedCommand = static_cast<int32_t>(header.command);
+    if (buffer == nullptr || size == nullptr) {
+        VyLog(VyLog::Error, sourceFile, missingBufferLine, 0).stream()
+            << "Dequeue command received command with payload but no buffer to transfer it. "
+               "Command: <"
+            << signedCommand << '>';
+        return false;
+    }
+    if (header.payloadSize > *size) {
+        VyLog(VyLog::Error, sourceFile, insufficientBufferLine, 0).stream()
+            << "Dequeue command insufficient payload buffer. Command: <" << signedCommand << ">, "
+            << "Received size: <" << header.payloadSize << ">, "
+            << "Buffer size: <" << *size;
+        return false;
+    }
+    if (!implementation_->ring.read(static_cast<unsigned char*>(buffer), header.payloadSize)) {
+        return false;
+    }
+    *size = header.payloadSize;
+    command = header.command;
+    return true;
+}
+
+}  // namespace com_qel::Orvane::Vantric::ClientServer

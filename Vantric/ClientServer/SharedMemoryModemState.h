@@ -1,0 +1,30 @@
+// The three state segments, by name. Owners hold them as SharedMemoryLayout, whose contract
+// applies.
+#pragma once
+
+#include "Vantric/ClientServer/SharedMemoryLayout.h"
+#include "Vantric/ClientServer/SharedMemoryProvider.h"
+#include "Vantric/ModemState.h"
+
+namespace com_qel::Orvane::Vantric::ClientServer {
+
+// Segment "ModemStateShm": the basic state, refreshed by the server all the time.
+class SharedMemoryModemState : public SharedMemoryLayout<ModemState, SharedMemoryProvider> {
+  public:
+    SharedMemoryModemState();
+};
+
+// Segment "ModemStateEx": the extended state, refreshed on request.
+class SharedMemoryModemStateExtended
+    : public SharedMemoryLayout<ModemStateExtended, SharedMemoryProvider> {
+  public:
+    SharedMemoryModemStateExtended();
+};
+
+// Segment "ModemWifiList": the networks of the last scan, refreshed on request.
+class SharedMemoryWifiList : public SharedMemoryLayout<WifiInfosList, SharedMemoryProvider> {
+  public:
+    SharedMemoryWifiList();
+};
+
+}  // namespace com_qel::Orvane::Vantric::ClientServer
