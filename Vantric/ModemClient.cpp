@@ -1,0 +1,267 @@
+#include "Vantric/ModemClient.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <stdexcept>
+
+#include "CoreMisc/src/VyLog.h"
+#include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "Vantric/ClientServer/SharedMemoryModemState.h"
+#include "Vantric/StateReader.h"
+#include "Vantric/Utils/ImmortalKeeper.h"
+#include "Vantric/Utils/PollInterval.h"
+
+namespace com_qel::Orvane::Vantric {
+
+namespace {
+
+using ClientServer::ModemCommand;
+
+constexpr const char* sourceFile = "Vantric/ModemClient";
+constexpr std::chrono::seconds stalenessLimit(300);
+
+// A record that cannot be built (out of memory) is lost: no exception leaves the client.
+void logError(int line, const char* text, const std::exception& error) noexcept {
+    try {
+        VyLog(VyLog::Error, sourceFile, line, 0).stream() << text << error.what();
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+// Runs `action`; its std::exceptions count as failure.
+template <class Action>
+bool succeeds(Action action) {
+    try {
+        return action();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+void requireFresh(const ModemState& state) {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const std::chrono::seconds published(state.timestamp);
+    if (std::chrono::duration_cast<std::chrono::seconds>(now) - published > stalenessLimit) {
+        throw std::runtime_error("SharedMemoryModemState is stale.");
+    }
+}
+
+// Joins the fields of a payload; a field that contains the separator is not escaped.
+template <class... Fields>
+std::string joined(const std::string& first, const Fields&... others) {
+    std::string payload = first;
+    ((payload += ',', payload += others), ...);
+    return payload;
+}
+
+}  // namespace
+
+struct ModemClient::Implementation {
+    // Destroyed from the last to the first.
+    StateReader<ModemState> state{"SharedMemoryModemState is not connected.",
+                                  "Failed to read from shared memory."};
+    StateReader<ModemStateExtended> extendedState{
+        "SharedMemoryModemStateExtended is not connected.",
+        "Failed to read ModemStateExtended from shared memory."};
+    // This reader has no wording of its own for a missing connection.
+    StateReader<WifiInfosList> wifiList{"SharedMemoryModemState is not connected.",
+                                        "Failed to read Wifi list from shared memory."};
+    std::unique_ptr<ClientServer::SharedMemoryModemCommands> commands;
+
+    ModemState readModemState() {
+        ModemState record;
+        state.read(record, requireFresh);
+        return record;
+    }
+
+    bool send(ModemCommand command, const std::string& payload = {}) {
+        // The channel drops what exceeds its ring, and must not see the size modulo 2^32.
+        const auto size = static_cast<uint32_t>(std::min<std::size_t>(payload.size(), UINT32_MAX));
+        return commands != nullptr &&
+               commands->enqueue(static_cast<uint32_t>(command), payload.data(), size);
+    }
+
+    // Sends `command` and waits until the server has refreshed the record that `reader` reads.
+    // The time is taken before each sleep, so a refresh seen by the last look after the deadline
+    // does not count.
+    template <class T>
+    bool refresh(ModemCommand command, StateReader<T>& reader, uint32_t timeoutSeconds, T& record) {
+        reader.read(record);
+        const int32_t previousCounter = record.updateCounter;
+        if (!send(command)) {
+            return false;
+        }
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
+        bool isInTime = true;
+        while (isInTime) {
+            isInTime = std::chrono::steady_clock::now() < deadline;
+            sleepForPollInterval();
+            reader.read(record);
+            if (record.updateCounter != previousCounter) {
+                return isInTime;
+            }
+        }
+        return false;
+    }
+};
+
+ModemClient::ModemClient() : implementation_(std::make_unique<Implementation>()) {}
+
+ModemClient::~ModemClient() = default;
+
+bool ModemClient::connect() {
+    try {
+        using namespace ClientServer;
+        implementation_->state.connect(std::make_unique<SharedMemoryModemState>());
+        implementation_->extendedState.connect(std::make_unique<SharedMemoryModemStateExtended>());
+        implementation_->wifiList.connect(std::make_unique<SharedMemoryWifiList>());
+        implementation_->commands = std::make_unique<SharedMemoryModemCommands>(false);
+        return true;
+    } catch (const std::exception& error) {
+        logError(__LINE__, "Failed to connect to shared memory, error: ", error);
+        return false;
+    }
+}
+
+bool ModemClient::disconnect() {
+    keepUntilProcessEnds(implementation_->state.disconnect().release());
+    keepUntilProcessEnds(implementation_->extendedState.disconnect().release());
+    keepUntilProcessEnds(implementation_->wifiList.disconnect().release());
+    keepUntilProcessEnds(implementation_->commands.release());
+    return true;
+}
+
+bool ModemClient::getConnectivityType(int32_t& type) {
+    return succeeds([&] {
+        type = implementation_->readModemState().connectivityType;
+        return true;
+    });
+}
+
+bool ModemClient::setConnectivityType(int32_t type) {
+    switch (static_cast<ConnectivityType>(type)) {
+        case ConnectivityType::None:
+            return true;
+        case ConnectivityType::Wifi:
+            return succeeds([&] { return implementation_->send(ModemCommand::SwitchToWifi); });
+        case ConnectivityType::Carrier:
+            return succeeds([&] { return implementation_->send(ModemCommand::SwitchToCarrier); });
+    }
+    return false;
+}
+
+bool ModemClient::getWifiSSID(std::string& ssid) {
+    return succeeds([&] {
+        ssid = fieldText(implementation_->readModemState().wifiSsid);
+        return true;
+    });
+}
+
+bool ModemClient::setWifiSSID(const std::string& ssid) {
+    return succeeds([&] { return implementation_->send(ModemCommand::SetWifiSsid, ssid); });
+}
+
+bool ModemClient::getWifiAvailableListBlocking(std::vector<WifiInfo>& list,
+                                               uint32_t timeoutSeconds) {
+    return succeeds([&] {
+        WifiInfosList found;
+        if (!implementation_->refresh(ModemCommand::RequestWifiList, implementation_->wifiList,
+                                      timeoutSeconds, found)) {
+            return false;
+        }
+        const int32_t count = std::clamp<int32_t>(found.count, 0, WifiInfosList::maximumCount);
+        list.reserve(static_cast<std::size_t>(count));
+        list.clear();
+        for (int32_t index = 0; index < count; ++index) {
+            list.push_back(makeWifiInfo(found.entries[index]));
+        }
+        std::sort(list.begin(), list.end(), [](const WifiInfo& left, const WifiInfo& right) {
+            return left.signalLevel > right.signalLevel;
+        });
+        return true;
+    });
+}
+
+bool ModemClient::getModemStatusBlocking(ModemStatus& status, uint32_t timeoutSeconds) {
+    return succeeds([&] {
+        ModemStateExtended state;
+        if (!implementation_->refresh(ModemCommand::RequestModemStatus,
+                                      implementation_->extendedState, timeoutSeconds, state)) {
+            return false;
+        }
+        status = makeModemStatus(state);
+        return true;
+    });
+}
+
+bool ModemClient::getWifiPasswordAndEncryptionType(int32_t& encryptionType, std::string& password) {
+    try {
+        password = fieldText(implementation_->readModemState().wifiPassword);
+        encryptionType = implementation_->readModemState().wifiEncryptionType;
+        return true;
+    } catch (const std::exception& error) {
+        logError(__LINE__, "Failed to get modem wifi password and encryption type, error: ", error);
+        return false;
+    }
+}
+
+bool ModemClient::setWifiPasswordAndEncryptionType(const int32_t& encryptionType,
+                                                   const std::string& password) {
+    return succeeds([&] {
+        return implementation_->send(ModemCommand::SetWifiPasswordAndEncryptionType,
+                                     joined(std::to_string(encryptionType), password));
+    });
+}
+
+bool ModemClient::setWifiConnection(const std::string& ssid, const int32_t& encryptionType,
+                                    const std::string& password) {
+    return succeeds([&] {
+        return implementation_->send(ModemCommand::SetWifiConnection,
+                                     joined(ssid, std::to_string(encryptionType), password));
+    });
+}
+
+bool ModemClient::setWifiConnectionRadius(const std::string& ssid, const int32_t& encryptionType,
+                                          const std::string& username,
+                                          const std::string& password) {
+    return succeeds([&] {
+        return implementation_->send(
+            ModemCommand::SetWifiConnectionRadius,
+            joined(ssid, std::to_string(encryptionType), username, password));
+    });
+}
+
+bool ModemClient::getHostname(std::string& hostname) {
+    try {
+        hostname = fieldText(implementation_->readModemState().hostname);
+        return true;
+    } catch (const std::exception& error) {
+        logError(__LINE__, "Failed to get modem Hostname, error: ", error);
+        return false;
+    }
+}
+
+bool ModemClient::setConfig(const std::string& configFilename) {
+    return succeeds([&] { return implementation_->send(ModemCommand::SetConfig, configFilename); });
+}
+
+bool ModemClient::getWifiConnectionState(std::string& state) {
+    return succeeds([&] {
+        state = fieldText(implementation_->readModemState().wifiConnectionState);
+        return true;
+    });
+}
+
+bool ModemClient::sendTextCommand(const std::string& text) {
+    return succeeds([&] { return implementation_->send(ModemCommand::SendText, text); });
+}
+
+bool ModemClient::sendTextPairCommand(const std::string& first, const std::string& second) {
+    return succeeds(
+        [&] { return implementation_->send(ModemCommand::SendTextPair, joined(first, second)); });
+}
+
+}  // namespace com_qel::Orvane::Vantric
