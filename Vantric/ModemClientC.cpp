@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <exception>
 #include <new>
 
@@ -109,8 +108,7 @@ bool modemClientGetWifiSSID(ModemClientHandle handle, char* buffer, uint32_t* si
             if (!clientOf(handle)->getWifiSSID(ssid) || ssid.size() > *size) {
                 return false;
             }
-            std::memcpy(buffer, ssid.data(), ssid.size());
-            *size = static_cast<uint32_t>(ssid.size());
+            *size = static_cast<uint32_t>(ssid.copy(buffer, ssid.size()));
             return true;
         },
         handle, buffer, size);

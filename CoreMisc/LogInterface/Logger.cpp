@@ -20,13 +20,15 @@ namespace {
 constexpr uint32_t defaultRollingLimitBytes = 5000;
 constexpr const char* consoleDirectory = "*";
 
-// The local time in asctime()'s form, its newline included; empty for a year that asctime() cannot
-// write. Runs under the mutex of the one formatting sink, as FormatLine() demands of its caller.
+// The local time in asctime()'s form, its newline included; empty for a year that cannot be shown.
+// localtime() and asctime() share static storage: the mutex of the one formatting sink guards it.
 const char* localTimeStamp() {
     const std::time_t now = std::time(nullptr);
-    const std::tm* local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe): see above
-    const char* stamp = local != nullptr ? std::asctime(local)
-                                         : nullptr;  // NOLINT(concurrency-mt-unsafe): see above
+    const std::tm* local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe): guarded
+    if (local == nullptr) {
+        return "";
+    }
+    const char* stamp = std::asctime(local);  // NOLINT(concurrency-mt-unsafe): guarded
     return stamp != nullptr ? stamp : "";
 }
 

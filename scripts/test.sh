@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything and runs all tests.
+#
+# Usage: scripts/test.sh [PRESET]
+#   PRESET  dev (default), asan-ubsan or coverage
+source "$(dirname "$0")/common.sh"
+show_help_and_exit_on_demand "$@"
+preset=${1:-dev}
+
+scripts/install-packages.sh
+say "Configuring ($preset)"
+cmake --preset "$preset" --log-level=WARNING
+say "Building ($preset)"
+cmake --build --preset "$preset"
+say "Testing ($preset)"
+ctest --preset "$preset"

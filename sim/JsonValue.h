@@ -1,0 +1,61 @@
+// A value inside a JSON document that knows its own key path, and typed reading of it.
+//
+// Every failure is a ScenarioError whose text starts with the path, such as
+// "networks[2].signalLevel: expected a whole number ...". Refers to the document, which must
+// outlive it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace vantric_sim {
+
+class ScenarioError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+class JsonValue {
+  public:
+    // The root of a document has an empty path.
+    JsonValue(const nlohmann::json& value, std::string path);
+
+    int64_t integer(int64_t minimum, int64_t maximum) const;
+    double number(double minimum, double maximum) const;
+
+    // A text of at most `maximumLength` bytes, without NUL.
+    std::string text(std::size_t maximumLength) const;
+
+    // The index of the one of `names` that this text equals.
+    std::size_t choice(const std::vector<std::string>& names) const;
+
+    // The elements of an array of at most `maximumCount`.
+    std::vector<JsonValue> elements(std::size_t maximumCount) const;
+
+    // Fails unless this is an object that has no other keys than these.
+    void expectKeys(const std::vector<std::string>& keys) const;
+
+    // A member of an object, empty when it is missing.
+    std::optional<JsonValue> find(const std::string& key) const;
+
+    // A member that must be there; `expectation` is for the message when it is not.
+    JsonValue member(const std::string& key, const std::string& expectation) const;
+
+    [[noreturn]] void failExpecting(const std::string& expectation) const;
+
+  private:
+    std::string pathOf(const std::string& key) const;
+
+    const nlohmann::json* value_;
+    std::string path_;
+};
+
+// "a, b or c", for messages that list what is allowed.
+std::string alternatives(const std::vector<std::string>& names);
+
+}  // namespace vantric_sim

@@ -1,0 +1,14 @@
+// Reading the timeline of a scenario. Failures are ScenarioErrors.
+#pragma once
+
+#include <vector>
+
+#include "sim/JsonValue.h"
+#include "sim/Scenario.h"
+
+namespace vantric_sim {
+
+// The events in order of time; those of one time in the order of the file.
+std::vector<TimelineEvent> readTimeline(const JsonValue& array);
+
+}  // namespace vantric_sim
