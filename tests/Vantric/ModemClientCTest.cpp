@@ -1,0 +1,292 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "Vantric/ModemClientC.h"
+#include "tests/Vantric/ScriptedClient.h"
+#include "tests/support/Allocations.h"
+#include "tests/support/PublishedServer.h"
+
+extern "C" {
+// In ModemClientCHeaderTest.c.
+bool readWifiNameFromC(char* buffer, uint32_t* size);
+size_t sizeOfWifiInfoInC(void);
+size_t sizeOfModemStatusInC(void);
+}
+
+namespace {
+
+using namespace vantric_test;
+
+constexpr uint32_t patience = 30;  // seconds; far more than any answer here takes
+
+class ModemClientC : public testing::Test {
+  protected:
+    ModemClientC() : handle(modemClientCreate()) {}
+    ~ModemClientC() override { modemClientDestroy(handle); }
+
+    void SetUp() override {
+        ASSERT_NE(handle, nullptr);
+        ASSERT_TRUE(modemClientConnect(handle));
+    }
+
+    void publishName(const std::string& name) {
+        auto state = freshState();
+        setText(state.wifiSsid, name);
+        server.state.publish(state);
+    }
+
+    void answerWithNetworks(const std::vector<int32_t>& signalLevels) {
+        server.wifiList.publish(wifiListOf({}, 1));
+        server.answer([this, signalLevels](const Frame&) {
+            server.wifiList.publish(wifiListOf(signalLevels, 2));
+        });
+    }
+
+    PublishedServer server;
+    ModemClientHandle handle;
+    char buffer[40] = "................";
+    uint32_t size = sizeof(buffer);
+};
+
+}  // namespace
+
+TEST_F(ModemClientC, createsAClientThatIsNotConnected) {
+    ModemClientHandle other = modemClientCreate();
+    ASSERT_NE(other, nullptr);
+    EXPECT_FALSE(modemClientSetWifiSSID(other, "x"));
+    EXPECT_EQ(attachedProducers(), 1U);
+    modemClientDestroy(other);
+}
+
+TEST_F(ModemClientC, createsNoClientWhenMemoryRunsOut) {
+    ModemClientHandle other = nullptr;
+    std::size_t failing = 0;
+    while (other == nullptr) {
+        const Allocations allocations(++failing);
+        other = modemClientCreate();
+    }
+    EXPECT_GT(failing, 1U);
+    modemClientDestroy(other);
+}
+
+TEST_F(ModemClientC, releasesTheMemoryOfAConnectedClientWhenDestroyed) {
+    ModemClientHandle other = modemClientCreate();
+    ASSERT_TRUE(modemClientConnect(other));
+    EXPECT_EQ(attachCount("ModemStateShm"), 3U);
+    modemClientDestroy(other);
+    EXPECT_EQ(attachCount("ModemStateShm"), 2U);
+}
+
+TEST_F(ModemClientC, leavesTheMemoryMappedWhenDisconnectedAndDestroyed) {
+    ModemClientHandle other = modemClientCreate();
+    ASSERT_TRUE(modemClientConnect(other));
+    modemClientDisconnect(other);
+    EXPECT_FALSE(modemClientSetWifiSSID(other, "x"));
+    modemClientDestroy(other);
+    EXPECT_EQ(attachCount("ModemStateShm"), 3U);
+}
+
+TEST_F(ModemClientC, connectFailsAsTheClientDoes) {
+    ThrowingClient client;
+    EXPECT_FALSE(modemClientConnect(ScriptedClient::handleOf(client)));
+}
+
+TEST_F(ModemClientC, ignoresANullHandleEverywhere) {
+    WifiInfo network = {};
+    ModemStatus status = {};
+    uint32_t count = 1;
+    modemClientDestroy(nullptr);
+    modemClientDisconnect(nullptr);
+    EXPECT_FALSE(modemClientConnect(nullptr));
+    EXPECT_FALSE(modemClientGetWifiSSID(nullptr, buffer, &size));
+    EXPECT_FALSE(modemClientSetWifiSSID(nullptr, "x"));
+    EXPECT_FALSE(modemClientSetWifiConnection(nullptr, "x", 1, "y"));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadius(nullptr, "x", 4, "y", "z"));
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(nullptr, &network, &count, patience));
+    EXPECT_FALSE(modemClientGetModemStatusBlocking(nullptr, &status, patience));
+    EXPECT_FALSE(modemClientForgetWifiBlocking(nullptr, patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(nullptr, "x", 1, "y", patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(nullptr, "x", 4, "y", "z", patience));
+    EXPECT_EQ(size, sizeof(buffer));
+    EXPECT_EQ(count, 1U);
+}
+
+TEST_F(ModemClientC, doesNothingWithAnyOtherNullArgument) {
+    // Readable, so that a call that gets past its arguments succeeds or sends.
+    publishName("home");
+    server.extendedState.publish(someExtendedState(1));
+    server.wifiList.publish(wifiListOf({1}, 1));
+    WifiInfo network = {};
+    uint32_t count = 1;
+    EXPECT_FALSE(modemClientGetWifiSSID(handle, nullptr, &size));
+    EXPECT_FALSE(modemClientGetWifiSSID(handle, buffer, nullptr));
+    EXPECT_FALSE(modemClientSetWifiSSID(handle, nullptr));
+    EXPECT_FALSE(modemClientSetWifiConnection(handle, nullptr, 1, "y"));
+    EXPECT_FALSE(modemClientSetWifiConnection(handle, "x", 1, nullptr));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, nullptr, 4, "y", "z"));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, "x", 4, nullptr, "z"));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, "x", 4, "y", nullptr));
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, nullptr, &count, patience));
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, &network, nullptr, patience));
+    EXPECT_FALSE(modemClientGetModemStatusBlocking(handle, nullptr, patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, nullptr, 1, "y", patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, "x", 1, nullptr, patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, nullptr, 4, "y", "z", 30));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, "x", 4, nullptr, "z", 30));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, "x", 4, "y", nullptr, 30));
+    EXPECT_TRUE(server.takeFrames().empty());
+    EXPECT_EQ(size, sizeof(buffer));
+    EXPECT_EQ(count, 1U);
+    EXPECT_STREQ(buffer, "................");
+}
+
+TEST_F(ModemClientC, letsNoExceptionOut) {
+    ThrowingClient client;
+    ModemClientHandle throwing = ScriptedClient::handleOf(client);
+    WifiInfo network = {};
+    ModemStatus status = {};
+    uint32_t count = 1;
+    EXPECT_FALSE(modemClientConnect(throwing));
+    EXPECT_NO_THROW(modemClientDisconnect(throwing));
+    EXPECT_FALSE(modemClientGetWifiSSID(throwing, buffer, &size));
+    EXPECT_FALSE(modemClientSetWifiSSID(throwing, "x"));
+    EXPECT_FALSE(modemClientSetWifiConnection(throwing, "x", 1, "y"));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadius(throwing, "x", 4, "y", "z"));
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(throwing, &network, &count, patience));
+    EXPECT_FALSE(modemClientGetModemStatusBlocking(throwing, &status, patience));
+    EXPECT_FALSE(modemClientForgetWifiBlocking(throwing, patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(throwing, "x", 1, "y", patience));
+    EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(throwing, "x", 4, "y", "z", patience));
+}
+
+TEST_F(ModemClientC, copiesTheNameWithoutANul) {
+    publishName("home");
+    EXPECT_TRUE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, 4U);
+    EXPECT_STREQ(buffer, "home............");
+}
+
+TEST_F(ModemClientC, copiesTheNameIntoABufferThatJustHoldsIt) {
+    publishName("home");
+    size = 4;
+    EXPECT_TRUE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, 4U);
+    EXPECT_STREQ(buffer, "home............");
+}
+
+TEST_F(ModemClientC, leavesABufferThatIsTooSmallUntouched) {
+    publishName("home");
+    size = 3;
+    EXPECT_FALSE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, 3U);
+    EXPECT_STREQ(buffer, "................");
+}
+
+TEST_F(ModemClientC, copiesAnEmptyNameIntoAnyBuffer) {
+    publishName("");
+    size = 0;
+    EXPECT_TRUE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, 0U);
+    EXPECT_STREQ(buffer, "................");
+}
+
+TEST_F(ModemClientC, leavesTheBufferUntouchedWhenTheNameCannotBeRead) {
+    EXPECT_FALSE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, sizeof(buffer));
+    EXPECT_STREQ(buffer, "................");
+}
+
+TEST_F(ModemClientC, returnsAnEmptyNameOnTheSecondInvalidRead) {
+    EXPECT_FALSE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_TRUE(modemClientGetWifiSSID(handle, buffer, &size));
+    EXPECT_EQ(size, 0U);
+}
+
+TEST_F(ModemClientC, sendsWithoutWaiting) {
+    EXPECT_TRUE(modemClientSetWifiSSID(handle, "home"));
+    EXPECT_TRUE(modemClientSetWifiConnection(handle, "home", 2, "pw"));
+    EXPECT_TRUE(modemClientSetWifiConnectionRadius(handle, "home", -4, "user", ""));
+    EXPECT_EQ(server.takeFrames(), (Frames{{7, "home"}, {14, "home,2,pw"}, {15, "home,-4,user,"}}));
+}
+
+TEST_F(ModemClientC, copiesTheStrongestNetworksThatTheArrayHolds) {
+    answerWithNetworks({10, 50, 30, 20, 40});
+    WifiInfo networks[3];
+    std::memset(networks, 0x5a, sizeof(networks));
+    const WifiInfo untouched = networks[2];
+    uint32_t count = 2;
+    EXPECT_TRUE(modemClientGetWifiAvailableListBlocking(handle, networks, &count, patience));
+    EXPECT_EQ(count, 2U);
+    EXPECT_STREQ(networks[0].ssid, "network 1");
+    EXPECT_EQ(networks[0].signalLevel, 50);
+    EXPECT_EQ(networks[1].signalLevel, 40);
+    EXPECT_EQ(std::memcmp(&networks[2], &untouched, sizeof(untouched)), 0);
+    EXPECT_EQ(server.takeFrames(), (Frames{{10, ""}}));
+}
+
+TEST_F(ModemClientC, reportsHowManyNetworksItCopied) {
+    answerWithNetworks({10, 50});
+    std::vector<WifiInfo> networks(7);
+    uint32_t count = 7;
+    EXPECT_TRUE(modemClientGetWifiAvailableListBlocking(handle, networks.data(), &count, patience));
+    EXPECT_EQ(count, 2U);
+}
+
+TEST_F(ModemClientC, failsWithACountOfZeroWhenNoNetworkWasFound) {
+    answerWithNetworks({});
+    WifiInfo network = {};
+    uint32_t count = 1;
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, &network, &count, patience));
+    EXPECT_EQ(count, 0U);
+}
+
+TEST_F(ModemClientC, failsWithACountOfZeroForAnArrayWithoutRoom) {
+    answerWithNetworks({10, 50});
+    WifiInfo network;
+    std::memset(&network, 0x5a, sizeof(network));
+    const WifiInfo untouched = network;
+    uint32_t count = 0;
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, &network, &count, patience));
+    EXPECT_EQ(count, 0U);
+    EXPECT_EQ(std::memcmp(&network, &untouched, sizeof(untouched)), 0);
+    EXPECT_EQ(server.takeFrames(), (Frames{{10, ""}}));
+}
+
+TEST_F(ModemClientC, leavesTheCountUntouchedWhenTheScanFails) {
+    server.wifiList.publish(wifiListOf({10}, 1));
+    WifiInfo network = {};
+    uint32_t count = 1;
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, &network, &count, 0));
+    EXPECT_EQ(count, 1U);
+}
+
+TEST_F(ModemClientC, returnsTheStatus) {
+    server.extendedState.publish(someExtendedState(1));
+    server.answer([this](const Frame&) { server.extendedState.publish(someExtendedState(2)); });
+    ModemStatus status = {};
+    EXPECT_TRUE(modemClientGetModemStatusBlocking(handle, &status, patience));
+    EXPECT_EQ(status.carrierSignalLevel, -71);
+    EXPECT_STREQ(status.wifiEncryptionName, "WPA2 (PSK)");
+    EXPECT_EQ(server.takeFrames(), (Frames{{11, ""}}));
+}
+
+TEST_F(ModemClientC, leavesTheStatusUntouchedWhenTheRefreshFails) {
+    server.extendedState.publish(someExtendedState(1));
+    ModemStatus status;
+    std::memset(&status, 0x5a, sizeof(status));
+    const ModemStatus untouched = status;
+    EXPECT_FALSE(modemClientGetModemStatusBlocking(handle, &status, 0));
+    EXPECT_EQ(std::memcmp(&status, &untouched, sizeof(status)), 0);
+}
+
+TEST_F(ModemClientC, isUsableFromC) {
+    publishName("home");
+    EXPECT_TRUE(readWifiNameFromC(buffer, &size));
+    EXPECT_EQ(std::string(buffer, size), "home");
+    EXPECT_EQ(sizeOfWifiInfoInC(), sizeof(WifiInfo));
+    EXPECT_EQ(sizeOfModemStatusInC(), sizeof(ModemStatus));
+}

@@ -1,0 +1,121 @@
+#include "tests/end_to_end/Bench.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "tests/end_to_end/Transcript.h"
+
+namespace vantric_test {
+
+namespace {
+
+using com_qel::Orvane::Vantric::ClientServer::ModemCommand;
+using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
+
+void forgetLogSettings() {
+    for (const char* variable :
+         {"VRAX_LOG_LEVEL", "VRAX_LOG_TYPE", "VRAX_LOG_ROOT", "VRAX_LOG_NAME", "VRAX_LOG_SIZE"}) {
+        unsetenv(variable);  // NOLINT(concurrency-mt-unsafe): tests have one thread here
+    }
+}
+
+Command program(const std::string& path, const std::vector<std::string>& arguments,
+                int clockFactor) {
+    forgetLogSettings();
+    Command command;
+    command.program = path;
+    command.arguments = arguments;
+    if (clockFactor != realTime) {
+        command.environment["LD_PRELOAD"] = ACCELERATED_CLOCK_PRELOAD;
+        command.environment["FAKETIME"] = "+0 x" + std::to_string(clockFactor);
+    }
+    return command;
+}
+
+}  // namespace
+
+Command probe(const std::vector<std::string>& arguments, int clockFactor) {
+    return program(VANTRICPROBE_PATH, arguments, clockFactor);
+}
+
+Result runCleanly(const Command& command) {
+    Result result = run(command, commandPatience);
+    EXPECT_TRUE(result.status.has_value()) << "still running after its output:\n" << result.output;
+    if (result.status) {
+        EXPECT_EQ(result.status->code(), 0) << "signal " << result.status->signal();
+    }
+    EXPECT_EQ(result.errors, "");
+    return result;
+}
+
+std::string transcript(const Command& command) {
+    return masked(runCleanly(command).output);
+}
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = std::filesystem::temp_directory_path() / "vantric-bench-XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("cannot create a temporary folder");
+    }
+    path_ = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+Bench::Bench(const std::string& scenario, int clockFactor) : clockFactor_(clockFactor) {
+    const std::string file = folder_ / "scenario.json";
+    std::ofstream(file) << scenario;
+    simulator_ = std::make_unique<ChildProcess>(
+        program(VANTRICSIM_PATH, {"--scenario", file}, clockFactor_));
+    if (!simulator_->waitForOutput("ready\n")) {
+        throw std::runtime_error("the simulated server does not get ready: " +
+                                 simulator_->errors());
+    }
+}
+
+Command Bench::probe(const std::vector<std::string>& arguments) const {
+    return vantric_test::probe(arguments, clockFactor_);
+}
+
+Result Bench::run(const std::vector<std::string>& arguments) const {
+    return runCleanly(probe(arguments));
+}
+
+std::string Bench::transcript(const std::vector<std::string>& arguments) const {
+    return vantric_test::transcript(probe(arguments));
+}
+
+std::vector<std::string> Bench::frames() {
+    // A frame of our own behind all others tells when the server has printed them.
+    const std::string marker = "marker " + std::to_string(++markerCount_);
+    {
+        constexpr bool asProducer = false;
+        SharedMemoryModemCommands commands(asProducer);
+        commands.enqueue(static_cast<uint32_t>(ModemCommand::SendText), marker.data(),
+                         static_cast<uint32_t>(marker.size()));
+    }
+    if (!simulator_->waitForOutput("\"" + marker + "\"\n")) {
+        ADD_FAILURE() << "the server does not take frames out";
+    }
+
+    constexpr const char* label = " frame ";
+    std::vector<std::string> frames;
+    std::istringstream lines(simulator_->output());
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t start = line.find(label);
+        if (start != std::string::npos && line.find("\"marker ") == std::string::npos) {
+            frames.push_back(line.substr(start + std::string(label).size()));
+        }
+    }
+    return frames;
+}
+
+}  // namespace vantric_test
