@@ -10,6 +10,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -75,9 +76,10 @@ class SharedMemoryCircularBuffer {
     SharedMemoryCircularBuffer(const SharedMemoryCircularBuffer&) = delete;
     SharedMemoryCircularBuffer& operator=(const SharedMemoryCircularBuffer&) = delete;
 
-    // Writes `count` elements in one run, wrapping at the end of the ring. False, with nothing
-    // written, when the ring is unusable or has no room for all of them.
+    // Writes `count` elements (at least one) in one run, wrapping at the end of the ring. False,
+    // with nothing written, when the ring is unusable or has no room for all of them.
     bool write(const T* elements, uint32_t count) {
+        assert(count > 0);
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
         Memory& memory = *accessor_.memory();
         const Header header = headerOf(memory);
@@ -98,9 +100,10 @@ class SharedMemoryCircularBuffer {
         return true;
     }
 
-    // Takes `count` elements out. False, with nothing taken and `elements` untouched, when the ring
-    // is unusable or holds fewer.
+    // Takes `count` elements (at least one) out. False, with nothing taken and `elements`
+    // untouched, when the ring is unusable or holds fewer.
     bool read(T* elements, uint32_t count) {
+        assert(count > 0);
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
         Memory& memory = *accessor_.memory();
         const Header header = headerOf(memory);

@@ -134,7 +134,7 @@ TEST_F(ModemClientCBlocking, waitsForBothPasswordAndEncryptionToBeForgotten) {
             timeOf([&] { isForgotten = modemClientForgetWifiBlocking(handle, 1); });
         EXPECT_FALSE(isForgotten);
         EXPECT_GE(time, 1s);
-        EXPECT_LT(time, 3s);
+        EXPECT_LT(time, 10s);
     }
 }
 
@@ -175,7 +175,7 @@ TEST_F(ModemClientCBlocking, timesOutOnAStateThatIsTheSameAsBefore) {
     const Clock::duration time = timeOf([&] { isConnected = connectTo("home", 1); });
     EXPECT_FALSE(isConnected);
     EXPECT_GE(time, 1s);
-    EXPECT_LT(time, 3s);
+    EXPECT_LT(time, 10s);
     EXPECT_EQ(server.takeFrames(), (Frames{{8, "0,0"}, {14, "home,2,pw"}}));
 }
 
@@ -304,17 +304,17 @@ TEST(ModemClientCScripted, coversForgettingAndConnectingByOneTimeout) {
     const Clock::time_point start = Clock::now();
     client.passwordRead = [&](int32_t& encryptionType, std::string& password) {
         encryptionType = 0;
-        password = Clock::now() - start < 1500ms ? "secret" : "";
+        password = Clock::now() - start < 2700ms ? "secret" : "";
         return true;
     };
     client.stateRead = [](std::string& state) {
         state = "OLD";
         return true;
     };
-    EXPECT_FALSE(connectPlainly(client.handle(), 2));
+    EXPECT_FALSE(connectPlainly(client.handle(), 3));
     EXPECT_EQ(client.calls.back(), "read state");
-    EXPECT_GE(Clock::now() - start, 2s);
-    EXPECT_LT(Clock::now() - start, 3300ms);
+    EXPECT_GE(Clock::now() - start, 3s);
+    EXPECT_LT(Clock::now() - start, 5600ms);
 }
 
 TEST(ModemClientCLog, showsATimedOutForgetting) {

@@ -11,6 +11,7 @@ using vantric_test::Result;
 using vantric_test::roleCommand;
 using vantric_test::RoleRegistration;
 using vantric_test::run;
+using Arguments = std::vector<std::string>;
 
 // The arguments say help, so that looking at any of them would show.
 int runWithCount(int argumentCount) {
@@ -18,31 +19,33 @@ int runWithCount(int argumentCount) {
     return vantricprobe::runCommandLine(argumentCount, arguments);
 }
 
-const RoleRegistration countOfZero("countOfZero", [](const auto&) { return runWithCount(0); });
-const RoleRegistration negativeCount("negativeCount", [](const auto&) { return runWithCount(-1); });
-const RoleRegistration countOfOne("countOfOne", [](const auto&) { return runWithCount(1); });
+// The role's argument is the count.
+int runWithGivenCount(const Arguments& arguments) {
+    return runWithCount(std::stoi(arguments.at(0)));
+}
+const RoleRegistration commandLine("commandLine", runWithGivenCount);
 
-Result runRoleNamed(const char* name) {
-    Result result = run(roleCommand(name));
+Result runInProcess(const std::string& argumentCount) {
+    Result result = run(roleCommand("commandLine", {argumentCount}));
     EXPECT_TRUE(result.status.has_value());
     return result;
 }
 
 TEST(CommandLine, doesNothingForACountOfZero) {
-    const Result result = runRoleNamed("countOfZero");
-    EXPECT_EQ(result.status->code(), 0);
+    const Result result = runInProcess("0");
+    EXPECT_EQ(result.status.value().code(), 0);
     EXPECT_EQ(result.output, "");
 }
 
 TEST(CommandLine, doesNothingForANegativeCount) {
-    const Result result = runRoleNamed("negativeCount");
-    EXPECT_EQ(result.status->code(), 0);
+    const Result result = runInProcess("-1");
+    EXPECT_EQ(result.status.value().code(), 0);
     EXPECT_EQ(result.output, "");
 }
 
 TEST(CommandLine, examinesTheFirstArgumentFromACountOfOneOn) {
-    const Result result = runRoleNamed("countOfOne");
-    EXPECT_EQ(result.status->code(), 0);
+    const Result result = runInProcess("1");
+    EXPECT_EQ(result.status.value().code(), 0);
     EXPECT_EQ(result.output.substr(0, 21), "Vantric test client.\n");
 }
 

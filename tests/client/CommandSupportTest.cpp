@@ -21,6 +21,7 @@ using vantric_test::Result;
 using vantric_test::roleCommand;
 using vantric_test::RoleRegistration;
 using vantric_test::run;
+using Arguments = std::vector<std::string>;
 using vantric_test::segmentExists;
 using vantricprobe::ModemClient;
 
@@ -60,18 +61,19 @@ TEST(CommandSupport, sleepsInFullHoweverManySignalsArrive) {
     EXPECT_GE(alarmCount, 10);
 }
 
-const RoleRegistration interruptedSwitch("interruptedSwitch", [](const auto&) {
+int runInterruptedSwitch(const Arguments&) {
     const SignalStorm storm(20ms);
     vantricprobe::switchConnectivity(ConnectivityType::Carrier, true);
     return alarmCount >= 10 ? 0 : 1;
-});
+}
+const RoleRegistration interruptedSwitch("interruptedSwitch", runInterruptedSwitch);
 
 TEST(CommandSupport, aCommandKeepsItsRhythmUnderSignals) {
     PublishedServer server;
     server.state.publish(freshState());
     const Result result = run(roleCommand("interruptedSwitch"));
     ASSERT_TRUE(result.status.has_value());
-    EXPECT_EQ(result.status->code(), 0);
+    EXPECT_EQ(result.status.value().code(), 0);
     EXPECT_NE(result.output.find("\n.\nConnectivity changed.\n"), std::string::npos)
         << result.output;
     EXPECT_NE(result.output.find("modem connectivity change: 3sec\n"), std::string::npos)
@@ -85,7 +87,7 @@ struct AttachmentReport : std::exception {
     }
 };
 
-const RoleRegistration throwingCommand("throwingCommand", [](const auto&) {
+int runThrowingCommand(const Arguments&) {
     vantricprobe::runCommand([](ModemClient&) {
         vantricprobe::writeLine("body: ", AttachmentReport().what());
         vantricprobe::write("unfinished ");
@@ -93,12 +95,13 @@ const RoleRegistration throwingCommand("throwingCommand", [](const auto&) {
     });
     vantricprobe::writeLine("next");
     return 0;
-});
+}
+const RoleRegistration throwingCommand("throwingCommand", runThrowingCommand);
 
 TEST(CommandSupport, reportsAnExceptionOnceTheClientHasDetached) {
     const Result result = run(roleCommand("throwingCommand"));
     ASSERT_TRUE(result.status.has_value());
-    EXPECT_EQ(result.status->code(), 0);
+    EXPECT_EQ(result.status.value().code(), 0);
     EXPECT_EQ(result.output,
               "Client successfully connected.\n"
               "body: still attached\n"

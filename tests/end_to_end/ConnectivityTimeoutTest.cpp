@@ -91,7 +91,7 @@ TEST(ConnectivityTimeout, namesTheCarrier) {
 // The command sleeps through the change and through the limit: the look that sees the change comes
 // too late and still counts as one.
 TEST(ConnectivityTimeout, doesNotHideAChangeThatWasSeenTooLate) {
-    Bench bench(R"({"delays": {"switchConnectivity": 305000}})", minutesInSeconds);
+    Bench bench(R"({"delays": {"switchConnectivity": 400000}})", minutesInSeconds);
     ChildProcess command(bench.probe({"--switchtowifi"}));
     ASSERT_TRUE(bench.simulator().waitForOutput("frame 5 "));
     command.sendSignal(SIGSTOP);

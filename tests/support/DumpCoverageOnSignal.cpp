@@ -1,5 +1,5 @@
-// For coverage builds of a program: writes the counts when SIGTERM or SIGABRT ends the process, which
-// otherwise only an orderly exit does. The process still ends by that signal.
+// For coverage builds of a program: writes the counts when SIGTERM or SIGABRT ends the process,
+// which otherwise only an orderly exit does. The process still ends by that signal.
 #include <csignal>
 
 extern "C" void __gcov_dump();

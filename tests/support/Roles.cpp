@@ -15,7 +15,7 @@ std::map<std::string, RoleFunction>& roles() {
 
 }  // namespace
 
-RoleRegistration::RoleRegistration(const std::string& name, RoleFunction function) {
+RoleRegistration::RoleRegistration(const char* name, RoleFunction function) noexcept {
     roles()[name] = function;
 }
 

@@ -18,7 +18,7 @@ using RoleFunction = int (*)(const std::vector<std::string>& arguments);
 //     const RoleRegistration holder("lockHolder", [](const auto& arguments) { ...; return 0; });
 class RoleRegistration {
   public:
-    RoleRegistration(const std::string& name, RoleFunction function);
+    RoleRegistration(const char* name, RoleFunction function) noexcept;
 };
 
 // The command that runs a role in a new process; its exit code is the function's result.

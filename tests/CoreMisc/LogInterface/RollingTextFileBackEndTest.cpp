@@ -191,6 +191,19 @@ TEST(RollingTextFileBackEnd, neverRollsAFailedStreamWithAPositiveLimit) {
     EXPECT_EQ(namesIn(disk / ""), Names{"log"});
 }
 
+TEST(RollingTextFileBackEnd, losesEveryLineOnceTheDiskWasFull) {
+    const SmallDisk disk(diskSize);
+    RollingTextFileBackEnd backEnd(disk / "log", greatestPositive);
+    backEnd.Write("before");
+    writeFile(disk / "space", std::string(40000, 's'));
+    backEnd.Write(std::string(40000, 'x').c_str());
+    std::filesystem::remove(disk / "space");
+    backEnd.Write("after");
+    const std::string content = readFile(disk / "log");
+    EXPECT_EQ(content.substr(0, 7), "before\n");
+    EXPECT_EQ(content.find("after"), std::string::npos);
+}
+
 TEST(RollingTextFileBackEnd, neverRollsAFailedStreamWithALimitOfMinusOne) {
     const SmallDisk disk(diskSize);
     RollingTextFileBackEnd backEnd(disk / "log", minusOne);

@@ -29,40 +29,45 @@ using Records = std::vector<std::string>;
 
 namespace {
 
+// Which of the two moments a static of this program writes a record at.
 constexpr const char* staticRecordsVariable = "VANTRIC_TEST_STATIC_RECORDS";
+constexpr const char* atConstruction = "at construction";
+constexpr const char* atDestruction = "at destruction";
 
 void writeError(const std::string& message) {
     VyLog(VyLog::Error, "folder/Source", 250, 0).stream() << message;
 }
 
+bool writesStaticRecord(const std::string& moment) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is no other thread outside main()
+    const char* chosen = std::getenv(staticRecordsVariable);
+    return chosen != nullptr && chosen == moment;
+}
+
 // The first static of the program to be constructed and the last one to be destroyed.
 class StaticThatLogs {
   public:
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is no thread before main()
-    StaticThatLogs() : logs_(std::getenv(staticRecordsVariable) != nullptr) {
-        if (logs_) {
-            writeError("constructed");
+    StaticThatLogs() {
+        if (writesStaticRecord(atConstruction)) {
+            writeError(atConstruction);
         }
     }
     ~StaticThatLogs() {
-        if (logs_) {
-            writeError("destroyed");
+        if (writesStaticRecord(atDestruction)) {
+            writeError(atDestruction);
         }
     }
     StaticThatLogs(const StaticThatLogs&) = delete;
     StaticThatLogs& operator=(const StaticThatLogs&) = delete;
-
-  private:
-    bool logs_;
 };
 
 // NOLINTNEXTLINE(cert-err58-cpp): a failure may end the process; the test sees it
 __attribute__((init_priority(101))) const StaticThatLogs staticThatLogs;
 
-Result runWithStaticRecords(const LogSettings& settings) {
+Result runWithStaticRecord(const std::string& moment, const LogSettings& settings) {
     const vantric_test::LogEnvironment environment(settings);
     return vantric_test::run(
-        vantric_test::roleCommand(writeErrorsRole, {"in main"}, {{staticRecordsVariable, "yes"}}));
+        vantric_test::roleCommand(writeErrorsRole, {"in main"}, {{staticRecordsVariable, moment}}));
 }
 
 LogSettings textFile(const TemporaryFolder& folder) {
@@ -231,20 +236,34 @@ TEST(VyLogLifetime, writesEveryLevelAtTheTraceThreshold) {
                        "trace: UNKNOWN|" + file + "u"}));
 }
 
-TEST(VyLogLifetime, writesRecordsOfStaticsToTheConsole) {
-    const Result result = runWithStaticRecords(consoleForAll());
+TEST(VyLogLifetime, writesTheRecordOfAStaticsConstructorToTheConsole) {
+    const Result result = runWithStaticRecord(atConstruction, consoleForAll());
     EXPECT_EQ(result.status->code(), 0) << result.errors;
-    EXPECT_EQ(recordsIn(result.output), (Records{errorRecord("constructed"), errorRecord("in main"),
-                                                 errorRecord("destroyed")}));
+    EXPECT_EQ(recordsIn(result.output),
+              (Records{errorRecord(atConstruction), errorRecord("in main")}));
 }
 
-TEST(VyLogLifetime, writesRecordsOfStaticsToAFile) {
+TEST(VyLogLifetime, writesTheRecordOfAStaticsConstructorToAFile) {
     const TemporaryFolder folder;
-    const Result result = runWithStaticRecords(textFile(folder));
+    const Result result = runWithStaticRecord(atConstruction, textFile(folder));
     EXPECT_EQ(result.status->code(), 0) << result.errors;
-    EXPECT_EQ(
-        recordsIn(readFile(folder / "log")),
-        (Records{errorRecord("constructed"), errorRecord("in main"), errorRecord("destroyed")}));
+    EXPECT_EQ(recordsIn(readFile(folder / "log")),
+              (Records{errorRecord(atConstruction), errorRecord("in main")}));
+}
+
+TEST(VyLogLifetime, writesTheRecordOfAStaticsDestructorToTheConsole) {
+    const Result result = runWithStaticRecord(atDestruction, consoleForAll());
+    EXPECT_EQ(result.status->code(), 0) << result.errors;
+    EXPECT_EQ(recordsIn(result.output),
+              (Records{errorRecord("in main"), errorRecord(atDestruction)}));
+}
+
+TEST(VyLogLifetime, writesTheRecordOfAStaticsDestructorToAFile) {
+    const TemporaryFolder folder;
+    const Result result = runWithStaticRecord(atDestruction, textFile(folder));
+    EXPECT_EQ(result.status->code(), 0) << result.errors;
+    EXPECT_EQ(recordsIn(readFile(folder / "log")),
+              (Records{errorRecord("in main"), errorRecord(atDestruction)}));
 }
 
 TEST(VyLogLifetime, hasEachRecordInTheFileAsSoonAsItIsWritten) {

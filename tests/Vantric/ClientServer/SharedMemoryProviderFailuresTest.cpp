@@ -186,8 +186,8 @@ TEST(SharedMemoryProvider, anObjectThatHasNoBlocksYetFailsOnAFullFileSystemToo) 
 
 TEST(SharedMemoryProvider, aFullFileSystemLeavesTheProviderUsableAndTheCountUntouched) {
     const TinySharedMemory tiny("12k");
-    auto filler = std::make_unique<RawSegment>("filler", 3 * pageSize);
-    filler->write(0, Bytes(3 * pageSize, 1));
+    auto filler = std::make_unique<RawSegment>("filler", std::size_t{3} * pageSize);
+    filler->write(0, Bytes(std::size_t{3} * pageSize, 1));
     const std::size_t descriptors = openDescriptorCount();
     SharedMemoryProvider provider;
     ASSERT_EQ(failureOf(provider, size), mapError(ENOSPC));

@@ -87,7 +87,7 @@ TEST(ImmortalKeeper, anObjectThatCannotBeRememberedIsMerelyNotRemembered) {
 TEST(ImmortalKeeper, takesObjectsFromSeveralThreads) {
     constexpr int threadCount = 4;
     int destroyed = 0;
-    std::vector<std::unique_ptr<Canary>> canaries(threadCount * objectCount);
+    std::vector<std::unique_ptr<Canary>> canaries(std::size_t{threadCount} * objectCount);
     for (auto& canary : canaries) {
         canary = std::make_unique<Canary>(destroyed);
     }
