@@ -23,8 +23,7 @@ struct LogConfig {
     // Reads the environment; a variable counts as set even when it is empty.
     //   VRAX_LOG_LEVEL  a severity name, or a number 0 to 5; a text that is no number counts as 0
     //   VRAX_LOG_TYPE   text_file, rolling_text_file, console, inmemory, syslog, or a number 0 to
-    //   4;
-    //                   a text that is no number counts as 0
+    //                   4; a text that is no number counts as 0
     //   VRAX_LOG_ROOT   the log directory, as it stands
     //   VRAX_LOG_NAME   the log file's name, as it stands
     //   VRAX_LOG_SIZE   the rolling limit in bytes, truncated to 32 bits; no number counts as 0

@@ -124,8 +124,8 @@ void VyLog::Init() {
 void VyLog::AppendTimestamp(VyLog& record) {
     timeval now = {};
     gettimeofday(&now, nullptr);
-    record.stream() << std::setw(12) << now.tv_sec << '.' << std::left << std::setw(8)
-                    << now.tv_usec;
+    record.stream() << std::dec << std::setfill(' ') << std::setw(12) << now.tv_sec << '.'
+                    << std::left << std::setw(8) << now.tv_usec;
 }
 
 }  // namespace com_qel

@@ -29,7 +29,8 @@ class Mutex {
     int Unlock();
 
   private:
-    pthread_mutex_t mutex_;
+    // Usable even when the system refuses to initialise it.
+    pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
 };
 
 }  // namespace com_qel::utils

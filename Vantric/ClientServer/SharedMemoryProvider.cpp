@@ -8,6 +8,7 @@
 #include <cstring>
 #include <mutex>
 #include <stdexcept>
+#include <system_error>
 #include <unordered_map>
 #include <vector>
 
@@ -28,8 +29,7 @@ struct MappedSegment {
 };
 
 [[noreturn]] void throwSystemError(const char* prefix, int error) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): a provider belongs to one thread
-    throw std::runtime_error(prefix + std::string(std::strerror(error)));
+    throw std::runtime_error(prefix + std::generic_category().message(error));
 }
 
 [[noreturn]] void throwMappingError(int error) {

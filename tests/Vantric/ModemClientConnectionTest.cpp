@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -249,6 +250,22 @@ TEST(ModemClientConnection, usesWhatAFailedConnectHadMappedSoFar) {
     EXPECT_FALSE(client.setWifiSSID("x"));
     std::vector<WifiInfo> list;
     EXPECT_FALSE(client.getWifiAvailableListBlocking(list, 10));
+}
+
+TEST(ModemClientConnection, requestsNothingWithoutTheChannelThatAFailedConnectDidNotReach) {
+    obstruct("ModemCommandsShm");
+    ModemClient client;
+    EXPECT_FALSE(client.connect());
+    Vantric::ClientServer::SharedMemoryWifiList wifiList;
+    wifiList.publish(wifiListOf({10}, 1));
+    Vantric::ClientServer::SharedMemoryModemStateExtended extendedState;
+    extendedState.publish(someExtendedState(1));
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<WifiInfo> list;
+    EXPECT_FALSE(client.getWifiAvailableListBlocking(list, 30));
+    ModemStatus status;
+    EXPECT_FALSE(client.getModemStatusBlocking(status, 30));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
 }
 
 TEST(ModemClientConnection, releasesWhatAFailedConnectHadMapped) {

@@ -9,6 +9,7 @@
 #include "Vantric/ModemClient.h"
 #include "tests/Vantric/AfterNextUnlock.h"
 #include "tests/Vantric/LogTranscript.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/PublishedServer.h"
 #include "tests/support/RawSemaphore.h"
@@ -98,6 +99,22 @@ const RoleRegistration passwordReader("queryPasswordFirst", [](const auto&) {
     int32_t type = 0;
     std::string password;
     return client.connect() && !client.getWifiPasswordAndEncryptionType(type, password) ? 0 : 1;
+});
+
+// Fails each allocation of a failing query in turn, those of the first log record included: the
+// query's own one comes last, because a record that gets through configures the logger for good.
+const RoleRegistration starving("queryWithoutMemory", [](const auto&) {
+    ModemClient client;
+    std::string hostname;
+    const auto fails = [&](std::size_t failingAllocation) {
+        const Allocations allocations(failingAllocation);
+        return !client.getHostname(hostname);
+    };
+    bool hasFailed = true;
+    for (std::size_t allocation = 2; allocation < 50; ++allocation) {
+        hasFailed = fails(allocation) && hasFailed;
+    }
+    return fails(1) && hasFailed ? 0 : 1;
 });
 
 }  // namespace
@@ -361,4 +378,10 @@ TEST(ModemClientQueriesLog, showsAStaleStateEveryTime) {
     EXPECT_EQ(result.status->code(), 0);
     EXPECT_EQ(masked(result.output),
               hostnameRecord(stale) + passwordRecord(stale) + hostnameRecord(stale));
+}
+
+TEST(ModemClientQueriesLog, mayBeLostWhenMemoryRunsOut) {
+    const Result result = run(roleCommand(
+        "queryWithoutMemory", {}, {{"VRAX_LOG_LEVEL", "fatal"}, {"VRAX_LOG_TYPE", "inmemory"}}));
+    EXPECT_EQ(result.status->code(), 0) << result.errors;
 }

@@ -19,6 +19,7 @@ constexpr int cannotExecuteStatus = 127;
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         pointers.push_back(text.data());
     }
@@ -35,7 +36,7 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
         }
     }
     for (const auto& [name, value] : additions) {
-        result.push_back(name + "=" + value);
+        result.push_back(std::string(name).append("=").append(value));
     }
     return result;
 }

@@ -14,7 +14,7 @@ namespace vantric_test {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds defaultPatience = 20s;
+constexpr std::chrono::milliseconds defaultPatience = 60s;
 
 struct Command {
     std::string program;                             // path of the executable

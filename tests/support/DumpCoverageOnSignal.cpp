@@ -2,6 +2,8 @@
 // which otherwise only an orderly exit does. The process still ends by that signal.
 #include <csignal>
 
+// The compiler's own runtime names it so.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" void __gcov_dump();
 
 namespace {

@@ -33,7 +33,6 @@ class LeftoverRemoval : public testing::EmptyTestEventListener {
 };
 
 // The test framework takes over the listener.
-// NOLINTNEXTLINE(cert-err58-cpp): without the memory for it there is no test run
 [[maybe_unused]] const bool isInstalled = [] {
     testing::UnitTest::GetInstance()->listeners().Append(new LeftoverRemoval);
     return true;

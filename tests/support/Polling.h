@@ -10,7 +10,7 @@ namespace vantric_test {
 // its last value.
 template <class Condition>
 bool eventually(Condition condition,
-                std::chrono::milliseconds patience = std::chrono::seconds(20)) {
+                std::chrono::milliseconds patience = std::chrono::seconds(60)) {
     constexpr std::chrono::milliseconds interval(2);
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {

@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 namespace vantric_test {
 
@@ -18,11 +18,12 @@ namespace {
 constexpr int forbiddenStatus = 3;
 
 [[noreturn]] void stop(const char* step) {
+    const std::string reason = std::system_category().message(errno);
     std::fprintf(
         stderr,
         "The tests need a private /dev/shm, which this system forbids (%s: %s). Run them as "
         "root or allow unprivileged user namespaces.\n",
-        step, std::strerror(errno));
+        step, reason.c_str());
     std::_Exit(forbiddenStatus);
 }
 

@@ -61,7 +61,6 @@ class StaticThatLogs {
     StaticThatLogs& operator=(const StaticThatLogs&) = delete;
 };
 
-// NOLINTNEXTLINE(cert-err58-cpp): a failure may end the process; the test sees it
 __attribute__((init_priority(101))) const StaticThatLogs staticThatLogs;
 
 Result runWithStaticRecord(const std::string& moment, const LogSettings& settings) {
