@@ -20,8 +20,8 @@ typedef struct WifiInfo {
 } WifiInfo;
 
 /*
- * The extended modem status. All fields but encryptionName are the server's bytes as they stand: a
- * text field may lack its NUL when the server is broken.
+ * The extended modem status. All fields but wifiEncryptionName are the server's bytes as they
+ * stand: a text field may lack its NUL when the server is broken.
  */
 typedef struct ModemStatus {
     int32_t serverWord; /* the server's own; has no meaning for clients */

@@ -84,8 +84,8 @@ struct ModemClient::Implementation {
     }
 
     // Sends `command` and waits until the server has refreshed the record that `reader` reads.
-    // The time is taken before each sleep, so a refresh seen by the last look after the deadline
-    // does not count.
+    // The time is taken before each sleep: the last look may come one interval after the deadline
+    // and still counts.
     template <class T>
     bool refresh(ModemCommand command, StateReader<T>& reader, uint32_t timeoutSeconds, T& record) {
         reader.read(record);

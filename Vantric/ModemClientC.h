@@ -55,9 +55,8 @@ bool modemClientSetWifiConnectionRadius(ModemClientHandle handle, const char* ss
 /*
  * Asks for a scan, waits for its result and copies the strongest networks, strongest first.
  * `*count` is the array's size in records on entry and the number of records copied on return.
- * Fails, with
- * `*count` untouched, when the scan fails or times out; fails, with `*count` 0, when there is
- * nothing to copy.
+ * Fails, with `*count` untouched, when the scan fails or times out; fails, with `*count` 0, when
+ * there is nothing to copy.
  */
 bool modemClientGetWifiAvailableListBlocking(ModemClientHandle handle, WifiInfo* array,
                                              uint32_t* count, uint32_t timeoutSeconds);

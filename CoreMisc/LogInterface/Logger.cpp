@@ -59,22 +59,36 @@ void Logger::Dispatch(Severity severity, const char* text) {
     }
 }
 
+// Once it is in the list, a sink and what it uses live until the process ends.
+template <class AnySink>
+void Logger::AddSink(std::unique_ptr<AnySink> sink) {
+    sinks_.push_back(sink.get());
+    static_cast<void>(sink.release());
+}
+
+template <class BackEnd>
+void Logger::AddFormattingSink(Formatter formatter, std::unique_ptr<BackEnd> backEnd) {
+    AddSink(std::make_unique<Sink>(formatter, backEnd.get()));
+    static_cast<void>(backEnd.release());
+}
+
 void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatter) {
     const LogConfig config(SeverityFatal, LogTypeConsole, "./", name, defaultRollingLimitBytes);
     const std::string path = std::filesystem::path(config.root) / config.name;
     switch (config.type) {
         case LogTypeTextFile:
-            AddFormattingSink(formatter, new TextFileBackEnd(path));
+            AddFormattingSink(formatter, std::make_unique<TextFileBackEnd>(path));
             break;
         case LogTypeRollingTextFile:
-            AddFormattingSink(formatter, new RollingTextFileBackEnd(path, config.size));
+            AddFormattingSink(formatter,
+                              std::make_unique<RollingTextFileBackEnd>(path, config.size));
             break;
         case LogTypeConsole:
-            AddFormattingSink(formatter, new StdOutBackEnd);
+            AddFormattingSink(formatter, std::make_unique<StdOutBackEnd>());
             break;
         case LogTypeSyslog:
             openlog(nullptr, LOG_PID | LOG_CONS | LOG_NDELAY, LOG_USER);
-            AddSink(new SyslogSink);
+            AddSink(std::make_unique<SyslogSink>());
             break;
         case LogTypeInMemory:
         default:
@@ -86,25 +100,17 @@ void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatt
 void Logger::ConfigureFile(const std::string& name, const std::string& directory, int level,
                            Formatter formatter) {
     if (directory == consoleDirectory) {
-        AddFormattingSink(formatter, new StdOutBackEnd);
+        AddFormattingSink(formatter, std::make_unique<StdOutBackEnd>());
     } else {
         const std::filesystem::path path = std::filesystem::path(directory) / (name + ".log");
         const std::filesystem::path parent = path.parent_path();
         if (!exists(status(parent))) {
             throw std::runtime_error("Cannot create log file: Path is invalid " + parent.string());
         }
-        AddFormattingSink(formatter, new TextFileBackEnd(path));
+        AddFormattingSink(formatter, std::make_unique<TextFileBackEnd>(path));
     }
     const bool isSeverity = level >= 0 && level <= static_cast<int>(SeverityFatal);
     threshold_ = isSeverity ? static_cast<Severity>(level) : SeverityError;
-}
-
-void Logger::AddSink(ISink* sink) {
-    sinks_.push_back(sink);
-}
-
-void Logger::AddFormattingSink(Formatter formatter, IBackEnd* backEnd) {
-    AddSink(new Sink(formatter, backEnd));
 }
 
 }  // namespace com_qel::Korvel::LogInterface

@@ -11,13 +11,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace com_qel::Korvel::LogInterface {
 
 class ISink;
-class IBackEnd;
 
 // The logger's scale. Values above SeverityFatal may arrive through casts; LevelName() names them
 // "unknown".
@@ -72,8 +72,10 @@ class Logger {
   private:
     Logger() = default;
 
-    void AddSink(ISink* sink);
-    void AddFormattingSink(Formatter formatter, IBackEnd* backEnd);
+    template <class AnySink>
+    void AddSink(std::unique_ptr<AnySink> sink);
+    template <class BackEnd>
+    void AddFormattingSink(Formatter formatter, std::unique_ptr<BackEnd> backEnd);
 
     Severity threshold_ = SeverityFatal;
     std::vector<ISink*> sinks_;

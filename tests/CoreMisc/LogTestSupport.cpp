@@ -76,19 +76,6 @@ bool isStamp(const std::string& text) {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "vantric_log_XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("cannot make a temporary folder");
-    }
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 SmallDisk::SmallDisk(std::size_t bytes) {
     const std::string options = "size=" + std::to_string(bytes);
     if (mount("tmpfs", folder_.path().c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()) !=

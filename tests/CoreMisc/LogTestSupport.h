@@ -10,24 +10,9 @@
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "tests/support/Roles.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace vantric_test {
-
-// An empty folder that is removed with everything in it.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
-  private:
-    std::filesystem::path path_;
-};
 
 // A folder on a disk of its own that holds `bytes` bytes and no more. Needs the private mount
 // namespace that every test process has.

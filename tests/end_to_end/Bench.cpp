@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
@@ -57,22 +56,8 @@ std::string transcript(const Command& command) {
     return masked(runCleanly(command).output);
 }
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "vantric-bench-XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error("cannot create a temporary folder");
-    }
-    path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 Bench::Bench(const std::string& scenario, int clockFactor) : clockFactor_(clockFactor) {
-    const std::string file = folder_ / "scenario.json";
-    std::ofstream(file) << scenario;
+    const std::string file = folder_.write("scenario.json", scenario);
     simulator_ = std::make_unique<ChildProcess>(
         program(VANTRICSIM_PATH, {"--scenario", file}, clockFactor_));
     if (!simulator_->waitForOutput("ready\n")) {

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace vantric_test {
 
@@ -28,22 +28,6 @@ Result runCleanly(const Command& command);
 
 // The same, its output with masked durations.
 std::string transcript(const Command& command);
-
-// An empty folder that is removed with everything in it.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string operator/(const std::string& name) const { return path_ / name; }
-    std::string path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 class Bench {
   public:

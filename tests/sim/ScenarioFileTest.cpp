@@ -1,17 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <chrono>
 
 #include "Vantric/ModemState.h"
 #include "sim/ScenarioFile.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using com_qel::Orvane::Vantric::fieldText;
 using namespace vantric_sim;
+using vantric_test::TemporaryFolder;
 
 // What is wrong with a scenario; empty when nothing is.
 std::string errorOf(const std::string& text) {
@@ -22,28 +22,6 @@ std::string errorOf(const std::string& text) {
         return error.what();
     }
 }
-
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "scenarioFileTestXXXXXX").string();
-        path_ = mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-
-    std::string write(const std::string& name, const std::string& content) const {
-        std::ofstream(path_ / name) << content;
-        return (path_ / name).string();
-    }
-
-  private:
-    std::filesystem::path path_;
-};
 
 TEST(ScenarioFile, leavesTheDefaultsWhereAScenarioSaysNothing) {
     const Scenario scenario = parseScenario("{}");

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,6 +85,8 @@ ChildProcess::ChildProcess(const Command& command)
         throw std::runtime_error("fork failed");
     }
     if (pid_ == 0) {
+        // Nothing outlives a test binary that is killed.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
         dup2(nothing, STDIN_FILENO);
         dup2(standardOutput, STDOUT_FILENO);

@@ -1,11 +1,12 @@
-// Lets the cases of a binary run in one process, one after the other: removes the objects that a
-// case leaves behind in the private /dev/shm, as semaphores always are.
+#include "tests/support/LeftoverRemoval.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <set>
 
 namespace vantric_test {
+
 namespace {
 
 using Paths = std::set<std::filesystem::path>;
@@ -32,11 +33,11 @@ class LeftoverRemoval : public testing::EmptyTestEventListener {
     Paths before_;
 };
 
-// The test framework takes over the listener.
-[[maybe_unused]] const bool isInstalled = [] {
-    testing::UnitTest::GetInstance()->listeners().Append(new LeftoverRemoval);
-    return true;
-}();
-
 }  // namespace
+
+void removeLeftoversOfEachCase() {
+    // The test framework takes over the listener.
+    testing::UnitTest::GetInstance()->listeners().Append(new LeftoverRemoval);
+}
+
 }  // namespace vantric_test

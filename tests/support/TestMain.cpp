@@ -2,6 +2,7 @@
 // the command line names.
 #include <gtest/gtest.h>
 
+#include "tests/support/LeftoverRemoval.h"
 #include "tests/support/PrivateSharedMemory.h"
 #include "tests/support/Roles.h"
 
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (!testing::GTEST_FLAG(list_tests)) {
         vantric_test::enterPrivateSharedMemory();
+        vantric_test::removeLeftoversOfEachCase();
     }
     return RUN_ALL_TESTS();
 }
