@@ -21,7 +21,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::write(const std::string& name, const std::string& content) const {
-    const std::string path = *this / name;
+    std::string path = *this / name;
     std::ofstream(path) << content;
     return path;
 }
