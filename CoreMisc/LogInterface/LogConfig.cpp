@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 namespace com_qel::Korvel::LogInterface {
 
@@ -12,9 +11,9 @@ constexpr const char* levelTexts[] = {"trace", "debug", "info", "warning", "erro
 constexpr const char* typeTexts[] = {"text_file", "rolling_text_file", "console", "inmemory",
                                      "syslog"};
 
-// Read once, before the process starts any thread of its own.
 const char* environmentText(const char* variable) {
-    return std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): see above
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): logging is configured before threads are started
+    return std::getenv(variable);
 }
 
 // The index of `variable`'s text in `choices`, or else its value as a number if that is an index.

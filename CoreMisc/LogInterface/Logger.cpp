@@ -24,11 +24,13 @@ constexpr const char* consoleDirectory = "*";
 // localtime() and asctime() share static storage: the mutex of the one formatting sink guards it.
 const char* localTimeStamp() {
     const std::time_t now = std::time(nullptr);
-    const std::tm* local = std::localtime(&now);  // NOLINT(concurrency-mt-unsafe): guarded
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
+    const std::tm* local = std::localtime(&now);
     if (local == nullptr) {
         return "";
     }
-    const char* stamp = std::asctime(local);  // NOLINT(concurrency-mt-unsafe): guarded
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
+    const char* stamp = std::asctime(local);
     return stamp != nullptr ? stamp : "";
 }
 

@@ -14,7 +14,8 @@ namespace com_qel {
 // The process-wide mutex of the core utilities: created before main() and never destroyed. External
 // linkage keeps the pointer in the program, so leak checkers find the mutex reachable.
 extern utils::Mutex* const processMutex;
-utils::Mutex* const processMutex = new utils::Mutex;  // NOLINT(cert-err58-cpp): nothing to do then
+// NOLINTNEXTLINE(cert-err58-cpp): out of memory before main(), the process can only end
+utils::Mutex* const processMutex = new utils::Mutex;
 
 namespace {
 
