@@ -36,8 +36,7 @@ struct Faults {
         if (entry == ignoredFrames.end()) {
             return false;
         }
-        std::optional<uint32_t>& left = entry->second;
-        if (left && --*left == 0) {
+        if (entry->second && --*entry->second == 0) {
             ignoredFrames.erase(entry);
         }
         return true;

@@ -29,6 +29,7 @@ const char* localTimeStamp() {
     if (local == nullptr) {
         return "";
     }
+    // cppcheck-suppress asctimeCalled ; its text, newline included, is the line format
     // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
     const char* stamp = std::asctime(local);
     return stamp != nullptr ? stamp : "";
@@ -64,8 +65,8 @@ void Logger::Dispatch(Severity severity, const char* text) {
 // Once it is in the list, a sink and what it uses live until the process ends.
 template <class AnySink>
 void Logger::AddSink(std::unique_ptr<AnySink> sink) {
-    sinks_.push_back(sink.get());
-    static_cast<void>(sink.release());
+    sinks_.reserve(sinks_.size() + 1);
+    sinks_.push_back(sink.release());
 }
 
 template <class BackEnd>

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <mutex>
 #include <stdexcept>
 #include <system_error>
@@ -24,7 +25,8 @@ constexpr mode_t ownerReadsAndWrites = 0600;
 struct MappedSegment {
     void* address;
     uint32_t length;  // bytes, the attach count included
-    int descriptor;   // closed long ago; kept as information
+    // cppcheck-suppress unusedStructMember ; closed long ago, for whoever looks with a debugger
+    int descriptor;
     std::string name;
 };
 
@@ -129,10 +131,10 @@ SharedMemoryProvider::~SharedMemoryProvider() {
 }
 
 void* SharedMemoryProvider::map(uint32_t size, const std::string& name) {
-    const uint32_t length = size + attachCountSize;
-    if (length < size) {
+    if (size > std::numeric_limits<uint32_t>::max() - attachCountSize) {
         throwMappingError(EOVERFLOW);
     }
+    const uint32_t length = size + attachCountSize;
     const int descriptor = shm_open(name.c_str(), O_RDWR | O_CREAT, ownerReadsAndWrites);
     if (descriptor == -1) {
         throwSystemError("Failed to open shared mem file, error: ", errno);
@@ -143,12 +145,11 @@ void* SharedMemoryProvider::map(uint32_t size, const std::string& name) {
     // Everything that may fail comes before the count, which only an entry in the list takes back.
     implementation_->segments.reserve(implementation_->segments.size() + 1);
     auto newLock = std::make_unique<MultiProcessLock>(name + "ProviderLock");
-    MultiProcessLock& lock =
-        *implementation_->locks.emplace(name, std::move(newLock)).first->second;
+    const auto entry = implementation_->locks.emplace(name, std::move(newLock)).first;
 
     uint32_t previousCount = 0;
     {
-        const std::lock_guard<MultiProcessLock> guard(lock);
+        const std::lock_guard<MultiProcessLock> guard(*entry->second);
         previousCount = readAttachCount(segment.address);
         writeAttachCount(segment.address, previousCount + 1);
     }

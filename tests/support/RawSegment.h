@@ -97,9 +97,9 @@ class RawSegment {
     }
 
     void writeWord(std::size_t offset, uint32_t word) {
-        Bytes bytes;
-        appendWord(bytes, word);
-        write(offset, bytes);
+        Bytes wordBytes;
+        appendWord(wordBytes, word);
+        write(offset, wordBytes);
     }
 
   private:

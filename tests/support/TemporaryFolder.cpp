@@ -21,9 +21,9 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::write(const std::string& name, const std::string& content) const {
-    std::string path = *this / name;
-    std::ofstream(path) << content;
-    return path;
+    std::string file = *this / name;
+    std::ofstream(file) << content;
+    return file;
 }
 
 }  // namespace vantric_test
