@@ -1,7 +1,5 @@
 #include "tests/CoreMisc/LogTestSupport.h"
 
-#include <sys/mount.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -75,18 +73,6 @@ bool isStamp(const std::string& text) {
 }
 
 }  // namespace
-
-SmallDisk::SmallDisk(std::size_t bytes) {
-    const std::string options = "size=" + std::to_string(bytes);
-    if (mount("tmpfs", folder_.path().c_str(), "tmpfs", MS_NOSUID | MS_NODEV, options.c_str()) !=
-        0) {
-        throw std::runtime_error("cannot mount a small disk");
-    }
-}
-
-SmallDisk::~SmallDisk() {
-    umount2(folder_.path().c_str(), MNT_DETACH);
-}
 
 std::string readFile(const std::filesystem::path& path) {
     const std::ifstream file(path);

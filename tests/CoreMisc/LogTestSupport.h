@@ -1,8 +1,6 @@
-// What the tests of the logging share: folders and disks of their own, a controlled environment,
-// and readers for what was logged.
+// What the tests of the logging share: a controlled environment and readers for what was logged.
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -10,25 +8,10 @@
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "tests/support/Roles.h"
+#include "tests/support/SmallDisk.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace vantric_test {
-
-// A folder on a disk of its own that holds `bytes` bytes and no more. Needs the private mount
-// namespace that every test process has.
-class SmallDisk {
-  public:
-    explicit SmallDisk(std::size_t bytes);
-    ~SmallDisk();
-
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    std::string operator/(const std::string& name) const { return folder_ / name; }
-
-  private:
-    TemporaryFolder folder_;
-};
 
 // The whole content of a file; throws std::runtime_error when there is none.
 std::string readFile(const std::filesystem::path& path);

@@ -8,6 +8,7 @@
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
 #include "tests/end_to_end/Transcript.h"
+#include "tests/support/Launcher.h"
 
 namespace vantric_test {
 
@@ -33,7 +34,7 @@ Command program(const std::string& path, const std::vector<std::string>& argumen
         command.environment["LD_PRELOAD"] = ACCELERATED_CLOCK_PRELOAD;
         command.environment["FAKETIME"] = "+0 x" + std::to_string(clockFactor);
     }
-    return command;
+    return watched(command);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <memory>
 
 #include "tests/end_to_end/Bench.h"
 #include "tests/end_to_end/HeldRequest.h"
@@ -73,32 +72,6 @@ TEST(Connection, isRetriedOnceASecond) {
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_GE(elapsed, 1900ms);
     EXPECT_LT(elapsed, 5s);
-}
-
-TEST(Connection, isRetriedByEveryCommandOfTheClientClass) {
-    const Obstacle obstacle("ModemStateEx");
-    const std::vector<std::vector<std::string>> commands = {
-        {"--status"},          {"--enablewifi"},
-        {"--disablewifi"},     {"--switchtowifi"},
-        {"--switchtocarrier"}, {"--setwifi", "home"},
-        {"--setConfig", "a"},  {"--setConfigKeepWifi", "a"},
-        {"--availablewifi"}};
-    std::vector<std::unique_ptr<ChildProcess>> running;
-    running.reserve(commands.size());
-    for (const auto& arguments : commands) {
-        running.push_back(std::make_unique<ChildProcess>(probe(arguments)));
-    }
-    for (const auto& command : running) {
-        EXPECT_TRUE(command->waitForOutput(std::string(retryLine) + retryLine));
-        EXPECT_EQ(vantric_test::countOf(command->output(), "\n"),
-                  vantric_test::countOf(command->output(), retryLine));
-    }
-}
-
-TEST(Connection, isTriedOnceByTheCommandsOfTheCInterface) {
-    const Obstacle obstacle("ModemStateShm");
-    EXPECT_EQ(runCleanly(probe({"--forgetwifi"})).output, "Failed to connect\n");
-    EXPECT_EQ(runCleanly(probe({"--statuscapi"})).output, "Failed to connect\n");
 }
 
 TEST(Connection, failureEndsOnlyItsCommand) {

@@ -198,17 +198,4 @@ TEST(HostileMemory, killedCommandsDisturbNobody) {
               std::vector<std::string>({"5 SwitchToWifi 0 \"\"", "5 SwitchToWifi 0 \"\""}));
 }
 
-// A client keeps its view of the objects while the server is away.
-TEST(HostileMemory, commandsOutliveAServerThatComesBack) {
-    Bench bench(R"({"state": {"connectivityType": 2},
-                    "timeline": [{"at": 6, "do": "vanish", "seconds": 2},
-                                 {"at": 9, "do": "set", "state": {"connectivityType": 1}}]})",
-                2);
-    EXPECT_EQ(vantric_test::withDotsJoined(bench.transcript({"--switchtowifi"})),
-              std::string(connected) +
-                  "Current connectivity is: Carrier\nNow changing to WifiCommand sent, waiting for "
-                  "change to be effective (max 5 minutes).\n.\nConnectivity changed.\n" +
-                  timingsBlock({"setConnectivityType: #us", "modem connectivity change: #sec"}));
-}
-
 }  // namespace

@@ -1,13 +1,12 @@
 // Where the library's log records show among the program's output.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <regex>
 
 #include "tests/end_to_end/Bench.h"
 #include "tests/end_to_end/HeldRequest.h"
+#include "tests/end_to_end/LogLines.h"
+#include "tests/end_to_end/LoggedRun.h"
 #include "tests/end_to_end/Transcript.h"
 #include "tests/support/Polling.h"
 #include "tests/support/PublishedServer.h"
@@ -19,40 +18,21 @@ using vantric_test::ChildProcess;
 using vantric_test::Command;
 using vantric_test::freshState;
 using vantric_test::HeldRequest;
+using vantric_test::lockRecord;
 using vantric_test::masked;
+using vantric_test::normalised;
 using vantric_test::probe;
 using vantric_test::PublishedServer;
 using vantric_test::runCleanly;
 using vantric_test::stale;
+using vantric_test::staleHostnameRecord;
 using vantric_test::TemporaryFolder;
 using vantric_test::timingsBlock;
 using SentFrames = vantric_test::Frames;
 
-constexpr const char* hostnameRecord =
-    "[STAMP\n] <error>:   ERROR|                        ModemClient|LINE|"
-    "Failed to get modem Hostname, error: SharedMemoryModemState is stale.\n";
-constexpr const char* lockRecord =
-    "[STAMP\n] <error>:   ERROR|                   MultiProcessLock|   56|"
-    "MultiProcessLock: sem_open failed\n";
-
-// `text` without what differs from record to record: time stamps, and line numbers but for those
-// that are fixed.
-std::string normalised(const std::string& text) {
-    static const std::regex stamp(
-        R"(\[[A-Z][a-z]{2} [A-Z][a-z]{2} [ 1-3][0-9] [0-9]{2}:[0-9]{2}:[0-9]{2} [0-9]{4}\n)");
-    static const std::regex line(R"((ModemClientC?)\|[ 0-9]{5}\|)");
-    return std::regex_replace(std::regex_replace(masked(text), stamp, "[STAMP\n"), line,
-                              "$1|LINE|");
-}
-
 Command logging(Command command, const std::string& level) {
     command.environment["VRAX_LOG_LEVEL"] = level;
     return command;
-}
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 std::string configTimings() {
@@ -70,9 +50,9 @@ TEST(Logging, recordsKeepTheirPlaceInTheOutput) {
     const auto status = command.wait();
     EXPECT_TRUE(status && status->code() == 0);
     EXPECT_EQ(normalised(command.output()),
-              "Client successfully connected.\n" + (hostnameRecord + failure) + hostnameRecord +
-                  failure + "Current HostName is: modem-17\nNow changing to a.cfg\n." +
-                  configTimings());
+              "Client successfully connected.\n" + (staleHostnameRecord + failure) +
+                  staleHostnameRecord + failure +
+                  "Current HostName is: modem-17\nNow changing to a.cfg\n." + configTimings());
 }
 
 TEST(Logging, recordsFollowTheDotsBeforeThem) {
@@ -85,7 +65,7 @@ TEST(Logging, recordsFollowTheDotsBeforeThem) {
     server.state.publish(alwaysFresh(freshState()));
     EXPECT_EQ(normalised(request.transcript()),
               std::string("Current HostName is: modem-17\nNow changing to a.cfg\n") +
-                  hostnameRecord + "\nFailed to get HostName\n." + hostnameRecord +
+                  staleHostnameRecord + "\nFailed to get HostName\n." + staleHostnameRecord +
                   "\nFailed to get HostName\n.." + configTimings());
 }
 
@@ -101,7 +81,7 @@ TEST(Logging, fileHoldsTheRecordInTwoLines) {
     command.environment["VRAX_LOG_NAME"] = "client.log";
     ChildProcess child(command);
     ASSERT_TRUE(child.waitForOutput("Failed to get current HostName\n"));
-    EXPECT_EQ(normalised(contentOf(path)), hostnameRecord);
+    EXPECT_EQ(normalised(vantric_test::bytesOf(path)), staleHostnameRecord);
     server.state.publish(alwaysFresh(freshState()));
     const auto status = child.wait();
     EXPECT_TRUE(status && status->code() == 0);
@@ -111,25 +91,18 @@ TEST(Logging, fileHoldsTheRecordInTwoLines) {
 }
 
 TEST(Logging, everyConnectionThatFailsLeavesARecord) {
-    std::filesystem::create_directory("/dev/shm/ModemStateShm");
+    vantric_test::refuseConnections();
     EXPECT_EQ(
         normalised(runCleanly(logging(probe({"--forgetwifi", "--statuscapi"}), "error")).output),
-        vantric_test::repeated(
-            "[STAMP\n] <error>:   ERROR|                        ModemClient|LINE|"
-            "Failed to connect to shared memory, error: Failed to open shared mem file, "
-            "error: Invalid argument\n"
-            "Failed to connect\n",
-            2));
+        vantric_test::repeated(std::string(vantric_test::connectionRecord) + "Failed to connect\n",
+                               2));
 }
 
 TEST(Logging, timeoutOfForgettingIsAWarning) {
     vantric_test::Bench bench(R"({"timeline": [{"at": 0, "do": "ignoreCommand", "command": 8}]})",
                               vantric_test::minutesInSeconds);
-    // The text has a line end of its own.
     EXPECT_EQ(normalised(runCleanly(logging(bench.probe({"--forgetwifi"}), "warning")).output),
-              "[STAMP\n] <warning>: WARNING|                       ModemClientC|LINE|"
-              "Forget current wifi settings (blocking) timed out after 60 seconds.\n\n"
-              "Failed to forget wifi\n");
+              std::string(vantric_test::forgetTimeoutRecord) + "Failed to forget wifi\n");
 }
 
 TEST(Logging, warningsAreNoErrors) {
@@ -140,7 +113,7 @@ TEST(Logging, warningsAreNoErrors) {
 }
 
 TEST(Logging, aLockThatCannotBeOpenedIsOnlyLogged) {
-    std::filesystem::create_directory("/dev/shm/sem.ModemStateShmLock");
+    vantric_test::breakOneLock();
     PublishedServer server;
     server.state.publish(freshState());
     EXPECT_EQ(normalised(runCleanly(logging(probe({"--enablewifi"}), "error")).output),

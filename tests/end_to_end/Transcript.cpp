@@ -37,10 +37,6 @@ std::size_t countDots(const std::string& output) {
     return longest;
 }
 
-std::string withDotsJoined(const std::string& output) {
-    return std::regex_replace(output, std::regex(R"(\.+)"), ".");
-}
-
 std::string startingAt(const std::string& output, const std::string& text) {
     const std::size_t start = output.find(text);
     return start == std::string::npos ? output : output.substr(start);

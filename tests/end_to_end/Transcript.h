@@ -17,9 +17,6 @@ int64_t numberBehind(const std::string& output, const std::string& label);
 // The dots in the longest run of them.
 std::size_t countDots(const std::string& output);
 
-// `output` with a single "." for each run of them, for waits whose length is not under control.
-std::string withDotsJoined(const std::string& output);
-
 // `output` from the first `text` on; all of it when there is none.
 std::string startingAt(const std::string& output, const std::string& text);
 

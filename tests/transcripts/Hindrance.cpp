@@ -1,0 +1,129 @@
+#include "tests/transcripts/Hindrance.h"
+
+#include <sys/mount.h>
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+
+#include "tests/support/RawSemaphore.h"
+#include "tests/support/TinySharedMemory.h"
+
+namespace vantric_test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* sharedMemory = "/dev/shm";
+constexpr std::chrono::milliseconds betweenTwoAttempts = 2500ms;
+
+void check(int result, const char* step) {
+    if (result != 0) {
+        throw std::system_error(errno, std::generic_category(), step);
+    }
+}
+
+// Lays a second, read-only view of /dev/shm over the first one, which the server goes on using.
+void coverByReadOnlyView() {
+    check(mount(sharedMemory, sharedMemory, nullptr, MS_BIND, nullptr), "mounting");
+    constexpr unsigned long flags = MS_REMOUNT | MS_BIND | MS_RDONLY | MS_NOSUID | MS_NODEV;
+    check(mount(nullptr, sharedMemory, nullptr, flags, nullptr), "remounting");
+}
+
+void uncover() {
+    check(umount2(sharedMemory, MNT_DETACH), "unmounting");
+}
+
+void makeRoom() {
+    constexpr unsigned long flags = MS_REMOUNT | MS_NOSUID | MS_NODEV;
+    check(mount("tmpfs", sharedMemory, nullptr, flags, "size=1m"), "remounting");
+}
+
+}  // namespace
+
+Hindrance noHindrance() {
+    return {};
+}
+
+Hindrance foreignObjects() {
+    const auto modes = std::make_shared<std::map<fs::path, fs::perms>>();
+    Hindrance hindrance;
+    hindrance.description = "the objects are another user's until 00:00:02.500";
+    hindrance.needsObedientClient = true;
+    hindrance.liftedAt = betweenTwoAttempts;
+    hindrance.raise = [modes](const ChildProcess&) {
+        for (const auto& entry : fs::directory_iterator(sharedMemory)) {
+            (*modes)[entry.path()] = entry.status().permissions();
+            fs::permissions(entry.path(), fs::perms::none);
+        }
+    };
+    hindrance.lift = [modes](const ChildProcess&) {
+        for (const auto& [path, mode] : *modes) {
+            fs::permissions(path, mode);
+        }
+    };
+    return hindrance;
+}
+
+Hindrance noDescriptors() {
+    const auto usual = std::make_shared<rlimit>();
+    Hindrance hindrance;
+    hindrance.description = "no descriptor is left until 00:00:02.500";
+    hindrance.liftedAt = betweenTwoAttempts;
+    hindrance.raise = [usual](const ChildProcess& client) {
+        check(prlimit(client.pid(), RLIMIT_NOFILE, nullptr, usual.get()), "prlimit");
+        const rlimit standardStreams = {3, usual->rlim_max};
+        check(prlimit(client.pid(), RLIMIT_NOFILE, &standardStreams, nullptr), "prlimit");
+    };
+    hindrance.lift = [usual](const ChildProcess& client) {
+        // A client that has ended by now is no process any more.
+        if (prlimit(client.pid(), RLIMIT_NOFILE, usual.get(), nullptr) != 0 && errno != ESRCH) {
+            check(-1, "prlimit");
+        }
+    };
+    return hindrance;
+}
+
+Hindrance readOnlySharedMemory() {
+    Hindrance hindrance;
+    hindrance.description = "/dev/shm is read-only until 00:00:02.500";
+    hindrance.liftedAt = betweenTwoAttempts;
+    hindrance.raise = [](const ChildProcess&) { coverByReadOnlyView(); };
+    hindrance.lift = [](const ChildProcess&) { uncover(); };
+    return hindrance;
+}
+
+Hindrance fullSharedMemory() {
+    const auto tiny = std::make_shared<std::optional<TinySharedMemory>>();
+    Hindrance hindrance;
+    hindrance.description = "/dev/shm has room for two of the four objects until 00:00:02.500";
+    hindrance.liftedAt = betweenTwoAttempts;
+    hindrance.raise = [tiny](const ChildProcess&) { tiny->emplace("24k"); };
+    hindrance.lift = [tiny](const ChildProcess&) { makeRoom(); };
+    return hindrance;
+}
+
+Hindrance heldCommandChannel() {
+    constexpr const char* lock = "ModemCommandsShmLock";
+    Hindrance hindrance;
+    hindrance.description =
+        "somebody holds the command channel's lock from 00:00:01.000 on until "
+        "00:00:05.000";
+    hindrance.raisedAt = 1000ms;
+    hindrance.liftedAt = 5000ms;
+    hindrance.raise = [](const ChildProcess&) {
+        if (!RawSemaphore(lock).tryTake()) {
+            throw std::runtime_error("the command channel's lock is not free");
+        }
+    };
+    hindrance.lift = [](const ChildProcess&) { RawSemaphore(lock).post(); };
+    return hindrance;
+}
+
+}  // namespace vantric_test

@@ -1,0 +1,38 @@
+// What keeps a client from its server for a while.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "tests/support/ChildProcess.h"
+
+namespace vantric_test {
+
+struct Hindrance {
+    const char* description = nullptr;  // null for none
+    // The client must start without the right to open everybody's files.
+    bool needsObedientClient = false;
+    std::chrono::milliseconds raisedAt = 0ms;
+    std::chrono::milliseconds liftedAt = 0ms;
+    std::function<void(const ChildProcess& client)> raise;
+    std::function<void(const ChildProcess& client)> lift;
+};
+
+Hindrance noHindrance();
+
+// The objects exist and are somebody else's.
+Hindrance foreignObjects();
+
+// The client may open nothing more.
+Hindrance noDescriptors();
+
+Hindrance readOnlySharedMemory();
+
+// Nothing can be created any more; there must be no server.
+Hindrance fullSharedMemory();
+
+// Somebody holds the lock of the command channel. The client must be connected when that begins,
+// for connecting frees the lock; the server must not take frames out.
+Hindrance heldCommandChannel();
+
+}  // namespace vantric_test

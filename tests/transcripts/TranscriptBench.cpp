@@ -1,0 +1,220 @@
+#include "tests/transcripts/TranscriptBench.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <stdexcept>
+
+#include "tests/support/ClientLaunch.h"
+#include "tests/support/Launcher.h"
+
+namespace vantric_test {
+
+namespace {
+
+// Long enough for the server to take out what the client has left.
+constexpr std::chrono::milliseconds afterglow(100);
+
+std::string scenarioPath(const std::string& name) {
+    const std::string folder = SOURCE_FOLDER;
+    const std::string own = folder + "/tests/transcripts/scenarios/" + name;
+    return std::filesystem::exists(own) ? own : folder + "/sim/scenarios/" + name;
+}
+
+Command simulator(const std::string& scenario) {
+    Command command;
+    command.program = VANTRICSIM_PATH;
+    command.arguments = {"--scenario", scenarioPath(scenario)};
+    return watched(command);
+}
+
+const char* outputText(ClientOutput output) {
+    static const std::map<ClientOutput, const char*> texts = {
+        {ClientOutput::Closed, "closed from the start"},
+        {ClientOutput::ReaderGone, "a pipe that nobody reads"},
+        {ClientOutput::ReaderGoneUnsignalled, "a pipe that nobody reads, SIGPIPE ignored"},
+        {ClientOutput::FullDevice, "/dev/full"}};
+    return texts.at(output);
+}
+
+int openLostOutput(ClientOutput output) {
+    if (output == ClientOutput::FullDevice) {
+        return open("/dev/full", O_WRONLY | O_CLOEXEC);
+    }
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return -1;
+    }
+    close(ends[0]);
+    return ends[1];
+}
+
+// The names of a list's lines in the order of the alphabet, the other bytes where they are.
+void sortNetworkNames(std::vector<std::string>& writes) {
+    static const std::regex line(R"((\t[0-9]+ - )([a-z]+)(, [\s\S]*))");
+    std::vector<std::string> names;
+    std::smatch match;
+    for (const std::string& write : writes) {
+        if (std::regex_match(write, match, line)) {
+            names.push_back(match[2]);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    auto name = names.begin();
+    for (std::string& write : writes) {
+        if (std::regex_match(write, match, line)) {
+            write = match[1].str() + *name++ + match[3].str();
+        }
+    }
+}
+
+}  // namespace
+
+TranscriptBench::TranscriptBench(TranscriptCase row)
+    : row_(std::move(row)),
+      hindrance_(row_.circumstances.hindrance()),
+      clock_([this] { output_.collect([this] { return clock_.now(); }); }) {}
+
+std::string TranscriptBench::transcript() {
+    const bool hasServer = !row_.circumstances.scenario.empty();
+    if (hasServer) {
+        startServer(row_.circumstances.scenario);
+    }
+    startClient();
+    runClient();
+    if (!hasServer) {
+        startServer("default.json");
+    }
+    takeFramesOut();
+    if (row_.circumstances.networksAreSorted) {
+        output_.change(sortNetworkNames);
+    }
+    return heading() + "\n" + output_.text() + ending() + "\n" + serversView();
+}
+
+void TranscriptBench::startServer(const std::string& scenario) {
+    server_ = std::make_unique<ChildProcess>(clock_.with(simulator(scenario), clockServer));
+    clock_.admit(*server_, clockServer);
+    clock_.runUntil(clock_.now());
+    if (server_->output().find("ready\n") == std::string::npos) {
+        throw std::runtime_error("the simulated server does not get ready: " + server_->errors());
+    }
+}
+
+void TranscriptBench::startClient() {
+    // Aborting is no reason to leave a core behind.
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+
+    Command command;
+    command.program = VANTRICPROBE_PATH;
+    command.arguments = row_.arguments;
+    command.environment["VRAX_LOG_LEVEL"] = "fatal";  // whatever the user's environment says
+    command.commandName = row_.commandName;
+    command = watched(command);
+    const ClientOutput output = row_.circumstances.output;
+    command.standardOutput = output_.descriptor();
+    int lostOutput = -1;
+    if (output == ClientOutput::Closed) {
+        command = launching(Launch::WithoutOutput, command);
+    } else if (output != ClientOutput::Read) {
+        lostOutput = openLostOutput(output);
+        command.standardOutput = lostOutput;
+    }
+    if (output == ClientOutput::ReaderGoneUnsignalled) {
+        command = launching(Launch::IgnoringBrokenPipes, command);
+    }
+    if (hindrance_.needsObedientClient) {
+        command = launching(Launch::ObeyingFileModes, command);
+    }
+    client_ = std::make_unique<ChildProcess>(clock_.with(command, clockClient));
+    output_.closeDescriptor();
+    close(lostOutput);
+    clock_.admit(*client_, clockClient);
+}
+
+void TranscriptBench::runClient() {
+    if (hindrance_.description != nullptr) {
+        runClientUntil(hindrance_.raisedAt);
+        hindrance_.raise(*client_);
+        runClientUntil(hindrance_.liftedAt);
+        hindrance_.lift(*client_);
+    }
+    runClientUntil(row_.circumstances.patience);
+    if (!client_->wait(0ms)) {
+        wasStopped_ = true;
+        client_->sendSignal(SIGTERM);
+        client_->wait();
+        clock_.dismiss(clockClient);
+        endTime_ = clock_.now();
+    }
+}
+
+void TranscriptBench::runClientUntil(std::chrono::nanoseconds time) {
+    while (clock_.now() < time && !client_->wait(0ms)) {
+        clock_.runUntil(time);
+        endTime_ = clock_.now();
+    }
+}
+
+void TranscriptBench::takeFramesOut() {
+    clock_.runUntil(clock_.now() + afterglow);
+    if (server_->wait(0ms)) {
+        ADD_FAILURE() << "the server has ended: " << server_->errors();
+    }
+}
+
+std::string TranscriptBench::heading() const {
+    std::string text = "$ " + row_.commandName;
+    for (const std::string& argument : row_.arguments) {
+        text += " '" + escaped(argument) + "'";
+    }
+    const std::string& scenario = row_.circumstances.scenario;
+    text += "\nserver: " + (scenario.empty() ? "none" : scenario) + "\n";
+    if (hindrance_.description != nullptr) {
+        text += std::string("hindrance: ") + hindrance_.description + "\n";
+    }
+    if (row_.circumstances.output != ClientOutput::Read) {
+        text += std::string("standard output: ") + outputText(row_.circumstances.output) + "\n";
+    }
+    return text;
+}
+
+std::string TranscriptBench::ending() const {
+    const ExitStatus status = *client_->wait(0ms);
+    const std::string how = status.signal() == 0
+                                ? "status " + std::to_string(status.code())
+                                : "SIG" + std::string(sigabbrev_np(status.signal()));
+    std::string text =
+        timeText(endTime_) + " ended by " + how + (wasStopped_ ? ", which the test sent\n" : "\n");
+    std::istringstream errors(client_->errors());
+    for (std::string line; std::getline(errors, line);) {
+        text += "standard error: " + escaped(line) + "\n";
+    }
+    return text;
+}
+
+// The lines that the server printed behind "ready", without their date.
+std::string TranscriptBench::serversView() const {
+    constexpr std::size_t dateLength = sizeof("2030-01-01 ") - 1;
+    std::string text = row_.circumstances.scenario.empty() ? "A server that comes later finds:\n"
+                                                           : "The server received:\n";
+    std::istringstream lines(server_->output());
+    std::string line;
+    std::getline(lines, line);
+    bool isEmpty = true;
+    while (std::getline(lines, line)) {
+        text += line.substr(std::min(dateLength, line.size())) + "\n";
+        isEmpty = false;
+    }
+    return isEmpty ? text + "nothing\n" : text;
+}
+
+}  // namespace vantric_test
