@@ -1,0 +1,101 @@
+// Constructions of one lock that come between each other's check and post.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "Vantric/Utils/MultiProcessLock.h"
+#include "tests/support/Polling.h"
+#include "tests/support/RawSegment.h"
+#include "tests/support/RawSemaphore.h"
+#include "tests/support/Roles.h"
+#include "tests/support/SemaphoreCalls.h"
+
+namespace vantric_test {
+namespace {
+
+using com_qel::Orvane::Vantric::ClientServer::MultiProcessLock;
+
+constexpr const char* name = "TestLock";
+constexpr const char* postSignal = "constructorsMayPost";
+constexpr int racerCount = 5;
+
+const RoleRegistration constructor("constructor", [](const std::vector<std::string>&) {
+    const MultiProcessLock lock(name);
+    return 0;
+});
+
+// Constructs a lock and stops between its check and its post until the signal is there.
+const RoleRegistration stopping("stoppingConstructor", [](const std::vector<std::string>&) {
+    bool isSignalled = false;
+    observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
+        if (moment == SemaphoreMoment::AboutToPost) {
+            std::puts("checked");
+            std::fflush(stdout);
+            isSignalled = eventually([] { return segmentExists(postSignal); });
+        }
+    });
+    const MultiProcessLock lock(name);
+    return isSignalled ? 0 : 1;
+});
+
+// Lets several processes construct the lock so that all have checked before the first one posts.
+void race() {
+    std::vector<std::unique_ptr<ChildProcess>> racers;
+    for (int count = 0; count < racerCount; ++count) {
+        racers.push_back(std::make_unique<ChildProcess>(roleCommand("stoppingConstructor")));
+        ASSERT_TRUE(racers.back()->waitForOutput("checked"));
+    }
+    ASSERT_EQ(semaphoreValue(name), 0);
+    const RawSegment signal(postSignal, 1);
+    for (const auto& racer : racers) {
+        const auto status = racer->wait();
+        ASSERT_TRUE(status.has_value());
+        EXPECT_EQ(status->raw, 0);
+    }
+}
+
+TEST(ConstructionRace, aConstructionBetweenTheCheckAndThePostOfAnotherLeavesTwo) {
+    const RawSemaphore semaphore(name, 1);
+    std::optional<ExitStatus> otherEnded;
+    observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
+        if (moment == SemaphoreMoment::AboutToPost) {
+            otherEnded = run(roleCommand("constructor")).status;
+        }
+    });
+    const MultiProcessLock lock(name);
+    observeSemaphoreCalls(nullptr);
+    ASSERT_TRUE(otherEnded.has_value());
+    EXPECT_EQ(otherEnded->raw, 0);
+    EXPECT_EQ(semaphore.value(), 2);
+}
+
+TEST(ConstructionRace, aFreeSemaphoreRisesToTheNumberOfRacingProcesses) {
+    const RawSemaphore semaphore(name, 1);
+    race();
+    EXPECT_EQ(semaphore.value(), racerCount);
+}
+
+TEST(ConstructionRace, aSemaphoreLeftTakenRisesToTheNumberOfRacingProcesses) {
+    const RawSemaphore semaphore(name, 0);
+    race();
+    EXPECT_EQ(semaphore.value(), racerCount);
+}
+
+TEST(ConstructionRace, aLiveHolderAddsOneToTheHighestValue) {
+    MultiProcessLock lock(name);
+    lock.lock();
+    race();
+    lock.unlock();
+    EXPECT_EQ(semaphoreValue(name), racerCount + 1);
+}
+
+TEST(ConstructionRace, aSemaphoreThatStandsHigherIsNotRaised) {
+    const RawSemaphore semaphore(name, racerCount);
+    race();
+    EXPECT_EQ(semaphore.value(), racerCount);
+}
+
+}  // namespace
+}  // namespace vantric_test
