@@ -1,6 +1,7 @@
 #include "sim/JsonValue.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -15,6 +16,22 @@ constexpr std::size_t longestQuotation = 60;
 std::string quotation(const nlohmann::json& value) {
     const std::string text = value.dump(-1, ' ', true);
     return text.size() <= longestQuotation ? text : text.substr(0, longestQuotation) + "...";
+}
+
+// A key as messages show it: its control characters must neither end the text nor reach a terminal.
+std::string printable(const std::string& key) {
+    std::string result;
+    for (const char character : key) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7f) {
+            char escape[8];
+            std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(byte));
+            result += escape;
+        } else {
+            result += character;
+        }
+    }
+    return result;
 }
 
 std::string shortNumber(double value) {
@@ -117,7 +134,7 @@ void JsonValue::failExpecting(const std::string& expectation) const {
 }
 
 std::string JsonValue::pathOf(const std::string& key) const {
-    return path_.empty() ? key : path_ + "." + key;
+    return path_.empty() ? printable(key) : path_ + "." + printable(key);
 }
 
 std::string alternatives(const std::vector<std::string>& names) {

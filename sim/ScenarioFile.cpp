@@ -15,6 +15,9 @@ namespace {
 
 constexpr int64_t longestMilliseconds = 3'600'000;
 
+// More than any key needs; much deeper documents would exhaust the stack of whoever prints them.
+constexpr int deepestNesting = 100;
+
 template <class Group>
 struct DurationKey {
     const char* key;
@@ -114,11 +117,18 @@ std::string contentOf(const std::string& path) {
 }  // namespace
 
 Scenario parseScenario(const std::string& text) {
+    const auto refuseDeepNesting = [](int depth, auto, const auto&) {
+        if (depth > deepestNesting) {
+            throw ScenarioError("expected at most " + std::to_string(deepestNesting) +
+                                " levels of nesting");
+        }
+        return true;
+    };
     nlohmann::json document;
     try {
         constexpr bool allowExceptions = true;
         constexpr bool ignoreComments = true;
-        document = nlohmann::json::parse(text, nullptr, allowExceptions, ignoreComments);
+        document = nlohmann::json::parse(text, refuseDeepNesting, allowExceptions, ignoreComments);
     } catch (const nlohmann::json::exception& error) {
         // The library puts its own error number in square brackets in front.
         const std::string message = error.what();

@@ -23,6 +23,17 @@ std::string errorOf(const std::string& text) {
     }
 }
 
+TEST(ScenarioFile, refusesNestingThatWouldExhaustTheStack) {
+    const std::size_t levels = 200000;
+    EXPECT_EQ(errorOf(std::string(levels, '[') + std::string(levels, ']')),
+              "expected at most 100 levels of nesting");
+}
+
+TEST(ScenarioFile, showsAnUnknownKeysControlCharactersEscaped) {
+    const std::string error = errorOf(R"({"\u0000a\u001b": 1})");
+    EXPECT_EQ(error.rfind("\\x00a\\x1b: unknown key, expected ", 0), 0u) << error;
+}
+
 TEST(ScenarioFile, leavesTheDefaultsWhereAScenarioSaysNothing) {
     const Scenario scenario = parseScenario("{}");
     EXPECT_EQ(int32_t(scenario.state.connectivityType), 2);

@@ -1,0 +1,20 @@
+# Before project(): fuzzing brings its compiler, and says in one sentence when it is not there.
+
+option(VANTRIC_FUZZ "Build the fuzz targets with the fuzzer; needs clang" OFF)
+if(VANTRIC_FUZZ)
+    find_program(fuzz_c_compiler NAMES clang clang-14)
+    find_program(fuzz_cxx_compiler NAMES clang++ clang++-14)
+    if(NOT fuzz_c_compiler OR NOT fuzz_cxx_compiler)
+        message(FATAL_ERROR "Fuzzing needs clang: run 'apt-get install clang libclang-rt-14-dev' or pass -DVANTRIC_FUZZ=OFF.")
+    endif()
+    if(NOT CMAKE_CXX_COMPILER)
+        set(CMAKE_C_COMPILER ${fuzz_c_compiler})
+        set(CMAKE_CXX_COMPILER ${fuzz_cxx_compiler})
+    elseif(NOT CMAKE_CXX_COMPILER MATCHES "clang")
+        message(FATAL_ERROR "Fuzzing needs clang, not ${CMAKE_CXX_COMPILER}: leave CMAKE_CXX_COMPILER out or name clang++.")
+    endif()
+    set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g" CACHE STRING "Optimised, assertions included")
+    set(CMAKE_C_FLAGS_RELWITHDEBINFO "-O2 -g" CACHE STRING "Optimised, assertions included")
+    # Every object is instrumented; only the fuzz targets get the fuzzer's main().
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
