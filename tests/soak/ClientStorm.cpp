@@ -177,7 +177,7 @@ class ClientStorm {
     }
 
     Span attachedSpan(const LockAccount& account, bool isExact) const {
-        const int32_t step = account_->step();
+        const int32_t step = account_->step;
         switch (account.phase) {
             case LockPhase::Releasing:
                 return around(account.attached + step, 0);

@@ -56,21 +56,21 @@ LockAccount after(SemaphoreMoment moment, LockAccount account, int32_t step) {
 template <class Segment, class Record>
 void readDirectly(ClientAccount& account) {
     Record record;
-    account.direction = 1;
+    account.beginAttaching();
     {
         Segment segment;
-        account.direction = 0;
+        account.beginExchanging();
         segment.read(record);
-        account.direction = 2;
+        account.beginDetaching();
     }
 }
 
 void exchangeOnce(ModemClient& client, ClientAccount& account) {
     readDirectly<SharedMemoryModemStateExtended, ModemStateExtended>(account);
     readDirectly<SharedMemoryWifiList, WifiInfosList>(account);
-    account.direction = 1;
+    account.beginAttaching();
     require(client.connect(), "a client of the storm could not connect");
-    account.direction = 0;
+    account.beginExchanging();
     int32_t type = 0;
     std::string text;
     client.getConnectivityType(type);
@@ -89,7 +89,7 @@ void runStormClient(ClientAccount& account, const ExchangeSemaphores& semaphores
         const std::size_t lock = semaphores.lockOf(semaphore);
         require(lock < lockCount, "a client of the storm uses a foreign semaphore");
         std::atomic<LockAccount>& entry = account.locks.at(lock);
-        entry = after(moment, entry, account.step());
+        entry = after(moment, entry, account.step);
         if (++steps == lastStep) {
             std::raise(SIGKILL);
         }
@@ -102,7 +102,7 @@ void runStormClient(ClientAccount& account, const ExchangeSemaphores& semaphores
         if (account.cycles++ % 2 == 0) {
             client->disconnect();
         }
-        account.direction = 2;
+        account.beginDetaching();
         client.reset();
     }
 }

@@ -31,12 +31,13 @@ struct LockAccount {
 
 struct ClientAccount {
     std::array<std::atomic<LockAccount>, lockCount> locks;
-    std::atomic<uint32_t> direction{0};  // 0 neutral, 1 attaching, 2 detaching
+    std::atomic<int32_t> step{0};  // what the critical sections of now add to the attach counts
     std::atomic<uint32_t> cycles{0};
     std::atomic<bool> isRunning{false};
 
-    // What the critical sections of this moment do to the counters.
-    int32_t step() const { return direction == 1 ? 1 : direction == 2 ? -1 : 0; }
+    void beginAttaching() { step = 1; }
+    void beginExchanging() { step = 0; }
+    void beginDetaching() { step = -1; }
 };
 
 // Connects, queries, sends and lets go, over and over, until it is killed; kills itself at its
