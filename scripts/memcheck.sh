@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Runs the end-to-end tests with every vantricprobe and vantricsim that they start under valgrind's
-# memcheck, and fails on any finding in any of them: invalid or uninitialised memory, or memory that
-# is lost at the end. What is still reachable then is no finding: some objects live on purpose until
-# the process ends. A process that a test kills is checked until then, without the search for lost
-# memory.
+# Runs the tests of the whole programs (those with the label "programs") with every vantricprobe and
+# vantricsim that they start under valgrind's memcheck, and fails on any finding in any of them:
+# invalid or uninitialised memory, or memory that is lost at the end. What is still reachable then is
+# no finding: some objects live on purpose until the process ends. A process that a test kills is
+# checked until then, without the search for lost memory.
 #
 # Usage: scripts/memcheck.sh [CASES]
 #   CASES  a regular expression; only the cases whose names match it are run
@@ -18,7 +18,7 @@ longest_run=30m
 scripts/install-packages.sh
 say "Building (dev)"
 cmake --preset dev --log-level=WARNING
-cmake --build --preset dev --target end_to_end_tests
+cmake --build --preset dev
 
 logs=$(mktemp --directory)
 trap 'rm -rf "$logs"' EXIT
@@ -33,7 +33,7 @@ run_tests() {
     VANTRIC_TEST_LAUNCHER="$(command -v valgrind) --error-exitcode=99 --leak-check=full \
         --show-leak-kinds=definite,indirect,possible --errors-for-leak-kinds=definite,indirect,possible \
         --suppressions=$suppressions --log-file=$logs/%p.log" \
-        timeout --kill-after=10 "$longest_run" ctest --test-dir build/dev/tests --no-tests=error \
+        timeout --kill-after=10 "$longest_run" ctest --test-dir build/dev --label-regex '^programs$' --no-tests=error \
         --parallel "$(($(nproc) * 2))" --output-on-failure --tests-regex "$cases" --exclude-regex "^($(exceptions))\$"
 }
 

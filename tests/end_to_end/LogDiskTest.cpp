@@ -19,27 +19,18 @@ namespace {
 namespace fs = std::filesystem;
 using vantric_test::bytesOf;
 using vantric_test::connectionRecord;
+using vantric_test::errorLog;
 using vantric_test::failuresToConnect;
 using vantric_test::LogSettings;
 using vantric_test::normalised;
 using vantric_test::printErrors;
 using vantric_test::repeated;
 using vantric_test::SmallDisk;
+using vantric_test::smallestDisk;
 using vantric_test::Tree;
 using vantric_test::treeFolder;
 using vantric_test::treeOf;
 using vantric_test::WorkingFolder;
-
-// The smallest disk there is: room for one file of this size, or for files without content.
-constexpr std::size_t diskSize = 4096;
-
-LogSettings logTo(const fs::path& folder, const char* type, const char* size = "5000") {
-    return {{"VRAX_LOG_LEVEL", "error"},
-            {"VRAX_LOG_TYPE", type},
-            {"VRAX_LOG_ROOT", folder},
-            {"VRAX_LOG_NAME", "log"},
-            {"VRAX_LOG_SIZE", size}};
-}
 
 class LogDisk : public testing::Test {
   protected:
@@ -51,58 +42,58 @@ class LogDiskOfBothTypes : public LogDisk, public testing::WithParamInterface<co
 INSTANTIATE_TEST_SUITE_P(, LogDiskOfBothTypes, testing::Values("text_file", "rolling_text_file"));
 
 TEST_P(LogDiskOfBothTypes, aLogEndsWithTheLastByteOfTheDisk) {
-    const SmallDisk disk(diskSize);
-    EXPECT_EQ(printErrors(30, logTo(disk.path(), GetParam())), failuresToConnect(30));
+    const SmallDisk disk(smallestDisk);
+    EXPECT_EQ(printErrors(30, errorLog(disk.path(), GetParam())), failuresToConnect(30));
     const std::string content = bytesOf(disk / "log");
-    EXPECT_EQ(content.size(), diskSize);
+    EXPECT_EQ(content.size(), smallestDisk);
     const std::string whole = normalised(content.substr(0, content.rfind("\n[") + 1));
     EXPECT_EQ(whole, repeated(connectionRecord, 22));
     EXPECT_EQ(treeOf(disk.path()).size(), 1U);
 }
 
 TEST_P(LogDiskOfBothTypes, aLogOnAFullDiskStaysEmpty) {
-    const SmallDisk disk(diskSize);
-    std::ofstream(disk / "other") << std::string(diskSize, 'x');
-    EXPECT_EQ(printErrors(2, logTo(disk.path(), GetParam())), failuresToConnect(2));
+    const SmallDisk disk(smallestDisk);
+    std::ofstream(disk / "other") << std::string(smallestDisk, 'x');
+    EXPECT_EQ(printErrors(2, errorLog(disk.path(), GetParam())), failuresToConnect(2));
     EXPECT_EQ(bytesOf(disk / "log"), "");
 }
 
 TEST_F(LogDisk, aRollThatFindsNoRoomLeavesAnEmptyLogForGood) {
-    const SmallDisk disk(diskSize);
+    const SmallDisk disk(smallestDisk);
     for (const std::size_t count : {std::size_t{2}, std::size_t{3}}) {
-        printErrors(count, logTo(disk.path(), "rolling_text_file", "1"));
+        printErrors(count, errorLog(disk.path(), "rolling_text_file", "1"));
         EXPECT_EQ(treeOf(disk.path()), (Tree{{"log", ""}, {"log.old", connectionRecord}})) << count;
         fs::remove(disk / "log.old");
     }
 }
 
 TEST_F(LogDisk, aNegativeLimitRollsOnWhenItFindsNoRoom) {
-    const SmallDisk disk(diskSize);
-    printErrors(2, logTo(disk.path(), "rolling_text_file", "-2"));
+    const SmallDisk disk(smallestDisk);
+    printErrors(2, errorLog(disk.path(), "rolling_text_file", "-2"));
     EXPECT_EQ(treeOf(disk.path()), (Tree{{"log", ""}, {"log.old", connectionRecord}}));
     fs::remove(disk / "log.old");
-    printErrors(3, logTo(disk.path(), "rolling_text_file", "-2"));
+    printErrors(3, errorLog(disk.path(), "rolling_text_file", "-2"));
     EXPECT_EQ(treeOf(disk.path()), (Tree{{"log", connectionRecord}, {"log.old", ""}}));
 }
 
 TEST_F(LogDisk, aFullDeviceTakesNothing) {
-    LogSettings settings = logTo("", "text_file");
+    LogSettings settings = errorLog("", "text_file");
     settings["VRAX_LOG_NAME"] = "/dev/full";
     EXPECT_EQ(printErrors(2, settings), failuresToConnect(2));
 }
 
 TEST_P(LogDiskOfBothTypes, aDiskThatCannotBeWrittenStaysAsItIs) {
-    SmallDisk disk(diskSize);
+    SmallDisk disk(smallestDisk);
     std::ofstream(disk / "log") << "content";
     disk.makeReadOnly();
-    EXPECT_EQ(printErrors(2, logTo(disk.path(), GetParam(), "0")), failuresToConnect(2));
+    EXPECT_EQ(printErrors(2, errorLog(disk.path(), GetParam(), "0")), failuresToConnect(2));
     EXPECT_EQ(treeOf(disk.path()), (Tree{{"log", "content"}}));
 }
 
 TEST_P(LogDiskOfBothTypes, anEarlierLogIsEmptiedByTheFirstRecordEvenIfThatDoesNotPass) {
     const WorkingFolder folder;
     std::ofstream("log") << "content";
-    LogSettings settings = logTo("", GetParam());
+    LogSettings settings = errorLog("", GetParam());
     settings.erase("VRAX_LOG_LEVEL");
     EXPECT_EQ(printErrors(1, settings), failuresToConnect(1));
     EXPECT_EQ(folder.tree(), (Tree{{"log", ""}}));
@@ -111,7 +102,7 @@ TEST_P(LogDiskOfBothTypes, anEarlierLogIsEmptiedByTheFirstRecordEvenIfThatDoesNo
 TEST_P(LogDiskOfBothTypes, anEarlierLogStaysWhenThereIsNoRecord) {
     const WorkingFolder folder;
     std::ofstream("log") << "content";
-    EXPECT_EQ(printErrors(0, logTo("", GetParam())), "");
+    EXPECT_EQ(printErrors(0, errorLog("", GetParam())), "");
     EXPECT_EQ(folder.tree(), (Tree{{"log", "content"}}));
 }
 
@@ -119,7 +110,7 @@ TEST_P(LogDiskOfBothTypes, aLinkIsFollowed) {
     const WorkingFolder folder;
     std::ofstream("target") << "content";
     fs::create_symlink("target", "log");
-    printErrors(2, logTo("", GetParam()));
+    printErrors(2, errorLog("", GetParam()));
     EXPECT_EQ(normalised(bytesOf("target")), repeated(connectionRecord, 2));
     EXPECT_TRUE(fs::is_symlink("log"));
 }
@@ -131,7 +122,7 @@ const vantric_test::RoleRegistration printsWithoutPrivileges(
             return -1;
         }
         const std::string printed =
-            printErrors(2, logTo(arguments.at(0), arguments.at(1).c_str(), "1"));
+            printErrors(2, errorLog(arguments.at(0), arguments.at(1).c_str(), "1"));
         return printed == failuresToConnect(2) ? 0 : 1;
     });
 

@@ -16,26 +16,17 @@ namespace {
 namespace fs = std::filesystem;
 using vantric_test::bytesOf;
 using vantric_test::countOf;
+using vantric_test::errorLog;
 using vantric_test::LogSettings;
 using vantric_test::normalised;
 using vantric_test::repeated;
 using vantric_test::SmallDisk;
+using vantric_test::smallestDisk;
 using vantric_test::staleHostnameRecord;
 using vantric_test::SteadyLogger;
 using vantric_test::Tree;
 using vantric_test::treeFolder;
 using vantric_test::WorkingFolder;
-
-// The smallest disk there is: room for one file of this size, or for files without content.
-constexpr std::size_t diskSize = 4096;
-
-LogSettings logTo(const fs::path& folder, const char* type, const char* size = "5000") {
-    return {{"VRAX_LOG_LEVEL", "error"},
-            {"VRAX_LOG_TYPE", type},
-            {"VRAX_LOG_ROOT", folder},
-            {"VRAX_LOG_NAME", "log"},
-            {"VRAX_LOG_SIZE", size}};
-}
 
 class LogFileChangesOfBothTypes : public testing::TestWithParam<const char*> {};
 
@@ -43,25 +34,25 @@ INSTANTIATE_TEST_SUITE_P(, LogFileChangesOfBothTypes,
                          testing::Values("text_file", "rolling_text_file"));
 
 TEST_P(LogFileChangesOfBothTypes, aLogThatMetAFullDiskDoesNotGoOnWhenThereIsRoomAgain) {
-    const SmallDisk disk(2 * diskSize);
-    SteadyLogger logger(logTo(disk.path(), GetParam(), "100000"));
+    const SmallDisk disk(2 * smallestDisk);
+    SteadyLogger logger(errorLog(disk.path(), GetParam(), "100000"));
     logger.pause();
-    std::ofstream(disk / "other") << std::string(diskSize, 'x');
+    std::ofstream(disk / "other") << std::string(smallestDisk, 'x');
     logger.resume();
     // More records than the disk has room for.
     logger.awaitRecords(30);
     logger.pause();
-    EXPECT_EQ(bytesOf(disk / "log").size(), diskSize);
+    EXPECT_EQ(bytesOf(disk / "log").size(), smallestDisk);
     fs::remove(disk / "other");
     logger.resume();
     logger.awaitRecords(2);
     EXPECT_GT(logger.finish(), 32U);
-    EXPECT_EQ(bytesOf(disk / "log").size(), diskSize);
+    EXPECT_EQ(bytesOf(disk / "log").size(), smallestDisk);
 }
 
 TEST(LogFileChanges, aTextFileThatVanishesDoesNotComeBack) {
     const WorkingFolder folder;
-    SteadyLogger logger(logTo("", "text_file"));
+    SteadyLogger logger(errorLog("", "text_file"));
     fs::remove("log");
     logger.awaitRecords(2);
     logger.finish();
@@ -70,7 +61,7 @@ TEST(LogFileChanges, aTextFileThatVanishesDoesNotComeBack) {
 
 TEST(LogFileChanges, aTextFileThatIsMovedGetsTheRecords) {
     const WorkingFolder folder;
-    SteadyLogger logger(logTo("", "text_file"));
+    SteadyLogger logger(errorLog("", "text_file"));
     fs::rename("log", "moved");
     logger.awaitRecords(2);
     const std::size_t count = logger.finish();
@@ -79,7 +70,7 @@ TEST(LogFileChanges, aTextFileThatIsMovedGetsTheRecords) {
 
 TEST(LogFileChanges, aRollingFileThatVanishesComesBackWithTheNextRoll) {
     const WorkingFolder folder;
-    SteadyLogger logger(logTo("", "rolling_text_file", "1"));
+    SteadyLogger logger(errorLog("", "rolling_text_file", "1"));
     logger.pause();
     fs::remove("log");
     fs::remove("log.old");
@@ -93,7 +84,7 @@ TEST(LogFileChanges, aRollingFileThatVanishesComesBackWithTheNextRoll) {
 TEST(LogFileChanges, aRollingFileWhoseFolderVanishesDoesNotComeBackWithTheFolder) {
     const WorkingFolder folder;
     fs::create_directory("sub");
-    SteadyLogger logger(logTo("sub", "rolling_text_file", "1"));
+    SteadyLogger logger(errorLog("sub", "rolling_text_file", "1"));
     logger.pause();
     fs::remove_all("sub");
     logger.resume();
@@ -106,7 +97,7 @@ TEST(LogFileChanges, aRollingFileWhoseFolderVanishesDoesNotComeBackWithTheFolder
 
 TEST(LogFileChanges, aTextFileThatIsCutGoesOnWhereItWas) {
     const WorkingFolder folder;
-    SteadyLogger logger(logTo("", "text_file"));
+    SteadyLogger logger(errorLog("", "text_file"));
     logger.pause();
     const std::size_t before = bytesOf("log").size();
     fs::resize_file("log", 0);

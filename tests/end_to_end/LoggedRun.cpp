@@ -65,6 +65,15 @@ std::string failuresToConnect(std::size_t count) {
     return repeated("Failed to connect\n", count);
 }
 
+LogSettings errorLog(const std::filesystem::path& folder, const std::string& type,
+                     const std::string& size) {
+    return {{"VRAX_LOG_LEVEL", "error"},
+            {"VRAX_LOG_TYPE", type},
+            {"VRAX_LOG_ROOT", folder},
+            {"VRAX_LOG_NAME", "log"},
+            {"VRAX_LOG_SIZE", size}};
+}
+
 LogSettings rollingFile(const SettingText& size) {
     LogSettings settings = {{"VRAX_LOG_LEVEL", "error"}, {"VRAX_LOG_TYPE", "rolling_text_file"}};
     set(settings, "VRAX_LOG_SIZE", size);

@@ -59,6 +59,10 @@ std::string printErrors(std::size_t count, const LogSettings& settings);
 // What such a run prints besides records.
 std::string failuresToConnect(std::size_t count);
 
+// Settings for error records in the file "log" of a folder.
+LogSettings errorLog(const std::filesystem::path& folder, const std::string& type,
+                     const std::string& size = "5000");
+
 // Settings for error records in a rolling file with that limit.
 LogSettings rollingFile(const SettingText& size);
 

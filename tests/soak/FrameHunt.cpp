@@ -231,21 +231,12 @@ void huntFrames(const FrameHuntSize& size, uint64_t seed, Supervision& supervisi
     const SharedArea<FrameHuntArea> area;
     const FramePattern pattern(seed);
     const auto progress = [&] {
-        return std::to_string(area->delivered) + " of " + std::to_string(size.frames) +
-               " frames, " +
-               std::to_string(static_cast<uint64_t>(static_cast<double>(area->delivered) /
-                                                    supervision.seconds())) +
-               " a second";
+        return supervision.progressOf(area->delivered, size.frames, "frames");
     };
-    // Constructing a channel releases its locks, so everybody attaches before anybody uses them.
-    const auto attach = [&](const std::function<void()>& task) {
-        const uint32_t count = area->attached;
-        supervision.start(task);
-        supervision.await([&] { return area->attached == count + 1; }, progress);
-    };
-    attach([&] { consume(pattern, size, *area); });
+    supervision.startAttached(area->attached, [&] { consume(pattern, size, *area); });
     for (uint32_t producer = 0; producer < size.producers; ++producer) {
-        attach([&, producer] { produce(producer, pattern, *area); });
+        supervision.startAttached(area->attached,
+                                  [&, producer] { produce(producer, pattern, *area); });
     }
     area->hasStarted = true;
     supervision.awaitEnds(progress);

@@ -73,6 +73,20 @@ pid_t Supervision::start(const std::function<void()>& task) {
     return id;
 }
 
+void Supervision::startAttached(const std::atomic<uint32_t>& attached,
+                                const std::function<void()>& task) {
+    const uint32_t count = attached;
+    start(task);
+    await([&] { return attached == count + 1; },
+          [count] { return std::to_string(count) + " processes attached"; });
+}
+
+std::string Supervision::progressOf(uint64_t done, uint64_t goal, const std::string& what) const {
+    const auto rate = static_cast<uint64_t>(static_cast<double>(done) / seconds());
+    return std::to_string(done) + " of " + std::to_string(goal) + " " + what + ", " +
+           std::to_string(rate) + " a second";
+}
+
 void Supervision::show(const std::function<std::string()>& progress) {
     if (Clock::now() >= nextReport_ && isatty(STDOUT_FILENO) != 0) {
         nextReport_ = Clock::now() + progressInterval;

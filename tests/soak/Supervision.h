@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -48,6 +49,13 @@ class Supervision {
 
     // Runs `task` in a process of its own; an exception out of it fails the hunt.
     pid_t start(const std::function<void()>& task);
+
+    // The same, and waits until the process has counted itself in. Constructing a segment releases
+    // its locks, so everybody attaches before anybody uses them.
+    void startAttached(const std::atomic<uint32_t>& attached, const std::function<void()>& task);
+
+    // "12 of 300 frames, 4 a second".
+    std::string progressOf(uint64_t done, uint64_t goal, const std::string& what) const;
 
     // Shows `progress` on a terminal unless that was done within the last seconds.
     void show(const std::function<std::string()>& progress);

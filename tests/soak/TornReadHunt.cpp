@@ -180,22 +180,14 @@ void huntTornReads(const TornReadHuntSize& size, uint64_t seed, Supervision& sup
     require(size.readers <= mostReaders, "too many readers");
     const SharedArea<TornReadArea> area;
     const auto progress = [&] {
-        return std::to_string(area->reads()) + " of " + std::to_string(size.reads) + " reads, " +
-               std::to_string(static_cast<uint64_t>(static_cast<double>(area->reads()) /
-                                                    supervision.seconds())) +
-               " a second";
-    };
-    // Constructing a reader releases its locks, so everybody attaches before anybody uses them.
-    const auto attach = [&](const std::function<void()>& task) {
-        const uint32_t count = area->attached;
-        supervision.start(task);
-        supervision.await([&] { return area->attached == count + 1; }, progress);
+        return supervision.progressOf(area->reads(), size.reads, "reads");
     };
     constexpr uint32_t highestStart = 1'000'000'000;
     const uint32_t firstSequence = Randomness(seed).below(highestStart);
-    attach([&] { publishAll(*area, firstSequence); });
+    supervision.startAttached(area->attached, [&] { publishAll(*area, firstSequence); });
     for (uint32_t reader = 0; reader < size.readers; ++reader) {
-        attach([&, reader] { readAll(*area, reader, mixed(seed, reader)); });
+        supervision.startAttached(area->attached,
+                                  [&, reader] { readAll(*area, reader, mixed(seed, reader)); });
     }
     area->hasStarted = true;
     // Readers that see one record again and again prove nothing, so the hunt goes on until they

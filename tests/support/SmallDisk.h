@@ -12,6 +12,9 @@
 
 namespace vantric_test {
 
+// Room for one file of this size, or for any number of files without content.
+constexpr std::size_t smallestDisk = 4096;
+
 class SmallDisk {
   public:
     // `bytes` is rounded up to whole pages. Needs the private mount namespace that every test
