@@ -95,7 +95,7 @@ def noticing_tests():
     for _ in range(MAXIMUM_RUNS):
         if not failed_tests("--stop-on-failure"):
             return []
-        names = failed_tests("--rerun-failed")
+        names = failed_tests("--stop-on-failure", "--rerun-failed")
         if names:
             return names
     sys.exit(f"Tests failed that then passed, {MAXIMUM_RUNS} times in a row: they are not dependable")
