@@ -7,12 +7,15 @@
 #include <utility>
 
 #include "fuzz/Target.h"
+#include "tests/support/Timespec.h"
 
 namespace vantric_fuzz {
 
 namespace {
 
-constexpr int64_t nanosecondsPerSecond = 1'000'000'000;
+using vantric_test::nanosecondsOf;
+using vantric_test::timespecOf;
+
 constexpr int64_t durationOfALook = 20'000'000;
 constexpr int mostEvents = 20'000;
 
@@ -68,8 +71,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     }
     countEvent();
     steadyTime += durationOfALook;
-    time->tv_sec = steadyTime / nanosecondsPerSecond;
-    time->tv_nsec = steadyTime % nanosecondsPerSecond;
+    *time = timespecOf(steadyTime);
     return 0;
 }
 
@@ -79,7 +81,7 @@ extern "C" int nanosleep(const timespec* duration, timespec* rest) {
         return static_cast<int>(syscall(SYS_nanosleep, duration, rest));
     }
     countEvent();
-    steadyTime += duration->tv_sec * nanosecondsPerSecond + duration->tv_nsec;
+    steadyTime += nanosecondsOf(*duration);
     sleepAction()();
     return 0;
 }

@@ -25,7 +25,7 @@ std::vector<std::uintptr_t> mappingsOf(const std::string& path) {
     for (std::string line; std::getline(maps, line);) {
         if (line.size() > path.size() &&
             line.compare(line.size() - path.size(), path.size(), path) == 0) {
-            addresses.push_back(std::stoull(line, nullptr, 16));
+            addresses.push_back(static_cast<std::uintptr_t>(std::stoull(line, nullptr, 16)));
         }
     }
     return addresses;

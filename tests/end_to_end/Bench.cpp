@@ -32,7 +32,7 @@ Command program(const std::string& path, const std::vector<std::string>& argumen
     command.arguments = arguments;
     if (clockFactor != realTime) {
         command.environment["LD_PRELOAD"] = ACCELERATED_CLOCK_PRELOAD;
-        command.environment["FAKETIME"] = "+0 x" + std::to_string(clockFactor);
+        command.environment["VANTRIC_CLOCK_FACTOR"] = std::to_string(clockFactor);
     }
     return watched(command);
 }
