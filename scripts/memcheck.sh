@@ -30,7 +30,7 @@ exceptions() {
 
 run_tests() {
     local suppressions=$PWD/scripts/memcheck-suppressions.txt
-    VANTRIC_TEST_LAUNCHER="$(command -v valgrind) --error-exitcode=99 --leak-check=full \
+    VANTRIC_TEST_LAUNCHER="$(command -v valgrind) --vgdb=no --error-exitcode=99 --leak-check=full \
         --show-leak-kinds=definite,indirect,possible --errors-for-leak-kinds=definite,indirect,possible \
         --suppressions=$suppressions --log-file=$logs/%p.log" \
         timeout --kill-after=10 "$longest_run" ctest --test-dir build/dev --label-regex '^programs$' --no-tests=error \

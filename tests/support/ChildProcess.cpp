@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "tests/support/Emulation.h"
 #include "tests/support/Polling.h"
 
 namespace vantric_test {
@@ -71,8 +72,9 @@ int ExitStatus::signal() const {
     return WIFSIGNALED(raw) ? WTERMSIG(raw) : 0;
 }
 
-ChildProcess::ChildProcess(const Command& command)
+ChildProcess::ChildProcess(const Command& original)
     : outputDescriptor_(openCapture("output")), errorsDescriptor_(openCapture("errors")) {
+    const Command command = emulated(original);
     std::vector<std::string> arguments = {command.commandName.value_or(command.program)};
     arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
     std::vector<std::string> environment = environmentWith(command.environment);

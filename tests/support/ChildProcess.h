@@ -37,7 +37,7 @@ struct ExitStatus {
 class ChildProcess {
   public:
     // Starts the child; its standard input is /dev/null. Throws std::runtime_error when that fails.
-    explicit ChildProcess(const Command& command);
+    explicit ChildProcess(const Command& original);
 
     // Kills (SIGKILL) and reaps a child that is still running.
     ~ChildProcess();

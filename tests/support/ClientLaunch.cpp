@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Emulation.h"
 #include "tests/support/Privileges.h"
 #include "tests/support/Roles.h"
 
@@ -51,7 +52,8 @@ const RoleRegistration launcher(launcherRole, launch);
 
 }  // namespace
 
-Command launching(Launch launch, const Command& command) {
+Command launching(Launch launch, const Command& original) {
+    const Command command = emulated(original);
     std::vector<std::string> arguments = {std::to_string(static_cast<int>(launch)), command.program,
                                           command.commandName.value_or(command.program)};
     arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());

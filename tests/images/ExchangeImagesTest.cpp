@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "Vantric/ModemClient.h"
+#include "tests/images/ExchangeImages.h"
+
+namespace {
+
+using com_qel::Orvane::Vantric::fieldText;
+using com_qel::Orvane::Vantric::ModemClient;
+using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
+using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemStateExtended;
+using com_qel::Orvane::Vantric::ClientServer::SharedMemoryWifiList;
+using vantric_test::Bytes;
+using vantric_test::Image;
+using vantric_test::RawSegment;
+
+constexpr uint32_t ringCapacity = 4096;
+
+Bytes checkedIn(const std::string& name) {
+    std::ifstream file(std::string(SOURCE_FOLDER "/tests/images/") + name + ".bin",
+                       std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << name;
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+// Creates the object that a checked-in image was taken of.
+std::unique_ptr<RawSegment> restore(const std::string& name) {
+    const Bytes image = checkedIn(name);
+    auto segment = std::make_unique<RawSegment>(name.substr(0, name.find('.')), image.size());
+    segment->write(0, image);
+    return segment;
+}
+
+template <class Record>
+bool isSame(const Record& left, const Record& right) {
+    return std::memcmp(&left, &right, sizeof(Record)) == 0;
+}
+
+class ExchangeImage : public testing::TestWithParam<Image> {};
+
+TEST_P(ExchangeImage, isMadeByteForByte) {
+    const Bytes made = GetParam().make();
+    const Bytes expected = checkedIn(GetParam().name);
+    ASSERT_EQ(made.size(), expected.size());
+    const auto difference = std::mismatch(made.begin(), made.end(), expected.begin());
+    EXPECT_TRUE(difference.first == made.end())
+        << "first difference at offset " << difference.first - made.begin();
+}
+
+std::string caseName(const testing::TestParamInfo<Image>& info) {
+    std::string name = info.param.name;
+    std::replace(name.begin(), name.end(), '.', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEverySituation, ExchangeImage, testing::ValuesIn(vantric_test::images()),
+                         caseName);
+
+TEST(ExchangeImages, theStateIsUnderstoodFieldByField) {
+    const auto segment = restore("ModemStateShm.published");
+    const auto expected = vantric_test::imageState();
+    ModemClient client;
+    ASSERT_TRUE(client.connect());
+    int32_t number = 0;
+    std::string text;
+    EXPECT_TRUE(client.getConnectivityType(number));
+    EXPECT_EQ(number, expected.connectivityType);
+    EXPECT_TRUE(client.getWifiSSID(text));
+    EXPECT_EQ(text, fieldText(expected.wifiSsid));
+    EXPECT_TRUE(client.getWifiPasswordAndEncryptionType(number, text));
+    EXPECT_EQ(number, expected.wifiEncryptionType);
+    EXPECT_EQ(text, fieldText(expected.wifiPassword));
+    EXPECT_TRUE(client.getHostname(text));
+    EXPECT_EQ(text, fieldText(expected.hostname));
+    EXPECT_TRUE(client.getWifiConnectionState(text));
+    EXPECT_EQ(text, fieldText(expected.wifiConnectionState));
+}
+
+TEST(ExchangeImages, theExtendedStateIsUnderstood) {
+    const auto segment = restore("ModemStateEx.published");
+    SharedMemoryModemStateExtended reader;
+    com_qel::Orvane::Vantric::ModemStateExtended state;
+    ASSERT_TRUE(reader.read(state));
+    EXPECT_TRUE(isSame(state, vantric_test::imageExtendedState()));
+}
+
+TEST(ExchangeImages, theListIsUnderstood) {
+    const auto segment = restore("ModemWifiList.published");
+    SharedMemoryWifiList reader;
+    com_qel::Orvane::Vantric::WifiInfosList list;
+    ASSERT_TRUE(reader.read(list));
+    EXPECT_TRUE(isSame(list, vantric_test::imageWifiList()));
+}
+
+TEST(ExchangeImages, theFramesOfEveryCommandAreUnderstood) {
+    const auto segment = restore("ModemCommandsShm.frames");
+    EXPECT_EQ(vantric_test::PublishedServer().takeFrames(), vantric_test::imageFrames());
+}
+
+class ExchangeImageWithOneFrame : public testing::TestWithParam<const char*> {};
+
+TEST_P(ExchangeImageWithOneFrame, isUnderstoodAcrossTheEndOfTheRing) {
+    const auto segment = restore(GetParam());
+    const uint32_t expectedSize = std::string(GetParam()) == "ModemCommandsShm.full" ? 4088 : 20;
+    SharedMemoryModemCommands consumer(true);
+    Bytes payload(ringCapacity);
+    uint32_t size = ringCapacity;
+    uint32_t command = 0;
+    ASSERT_TRUE(consumer.dequeue(command, payload.data(), &size));
+    EXPECT_EQ(command, 0x80000007U);
+    ASSERT_EQ(size, expectedSize);
+    for (uint32_t index = 0; index < size; ++index) {
+        ASSERT_EQ(payload[index], static_cast<unsigned char>(index)) << index;
+    }
+    EXPECT_FALSE(consumer.dequeue(command, payload.data(), &size));
+}
+
+INSTANTIATE_TEST_SUITE_P(OfBothRings, ExchangeImageWithOneFrame,
+                         testing::Values("ModemCommandsShm.split", "ModemCommandsShm.full"),
+                         [](const auto& ring) { return std::string(ring.param).substr(17); });
+
+TEST(ExchangeImages, theFullRingTakesNoMore) {
+    const auto segment = restore("ModemCommandsShm.full");
+    const SharedMemoryModemCommands consumer(true);
+    SharedMemoryModemCommands producer(false);
+    const Bytes before = segment->bytes();
+    producer.enqueue(5, nullptr, 0);
+    EXPECT_EQ(segment->bytes(), before);
+}
+
+TEST(ExchangeImages, theAttachedRingCountsWhoComes) {
+    const auto segment = restore("ModemCommandsShm.attached");
+    const SharedMemoryModemCommands producer(false);
+    EXPECT_EQ(vantric_test::attachCount("ModemCommandsShm"), 4U);
+    EXPECT_EQ(vantric_test::attachedProducers(), 3U);
+}
+
+// The payload's own bytes are the header now, "t,se" the length: no ring can hold that much.
+TEST(ExchangeImages, aLostHeaderIsFollowedByPayloadTakenForOne) {
+    const auto segment = restore("ModemCommandsShm.header_lost");
+    SharedMemoryModemCommands consumer(true);
+    char buffer[ringCapacity];
+    uint32_t size = sizeof(buffer);
+    uint32_t command = 0;
+    EXPECT_FALSE(consumer.dequeue(command, buffer, &size));
+    EXPECT_EQ(segment->word(16), 16U) << "8 bytes of header, 8 of payload were taken";
+}
+
+}  // namespace

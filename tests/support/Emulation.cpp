@@ -1,0 +1,62 @@
+#include "tests/support/Emulation.h"
+
+#include <elf.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace vantric_test {
+
+namespace {
+
+constexpr const char* preloadVariable = "LD_PRELOAD";
+
+#ifdef __arm__
+constexpr Elf32_Half ownMachine = EM_ARM;
+#else
+constexpr Elf32_Half ownMachine = EM_X86_64;
+#endif
+
+bool isOfOwnArchitecture(const std::string& program) {
+    Elf32_Ehdr header = {};  // as far as the machine, all headers are alike
+    std::ifstream(program, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof(header));
+    return std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0 && header.e_machine == ownMachine;
+}
+
+// "/proc/self/exe" is the emulator to whoever executes it.
+std::string executable(const std::string& program) {
+    return std::filesystem::is_symlink(program) ? std::filesystem::read_symlink(program).string()
+                                                : program;
+}
+
+}  // namespace
+
+Command emulated(const Command& command) {
+    std::istringstream text(TEST_EMULATOR);
+    std::vector<std::string> words(std::istream_iterator<std::string>(text), {});
+    const std::string program = executable(command.program);
+    if (words.empty() || !isOfOwnArchitecture(program)) {
+        return command;
+    }
+    Command result = command;
+    result.program = words.front();
+    result.commandName.reset();
+    result.arguments.assign(words.begin() + 1, words.end());
+    result.arguments.insert(result.arguments.end(),
+                            {"-0", command.commandName.value_or(command.program)});
+    const auto preload = result.environment.find(preloadVariable);
+    if (preload != result.environment.end()) {
+        result.arguments.insert(result.arguments.end(),
+                                {"-E", std::string(preloadVariable) + "=" + preload->second});
+        result.environment.erase(preload);
+    }
+    result.arguments.push_back(program);
+    result.arguments.insert(result.arguments.end(), command.arguments.begin(),
+                            command.arguments.end());
+    return result;
+}
+
+}  // namespace vantric_test

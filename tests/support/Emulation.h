@@ -1,0 +1,13 @@
+// Tests of a build for another architecture run in an emulator, and so must the programs that they
+// start; a shell, say, is this machine's own.
+#pragma once
+
+#include "tests/support/ChildProcess.h"
+
+namespace vantric_test {
+
+// `command` behind the emulator that the build was configured with, when there is one and the
+// program is of the build's architecture; as it is otherwise.
+Command emulated(const Command& command);
+
+}  // namespace vantric_test
