@@ -23,9 +23,9 @@ cmake --build --preset dev
 logs=$(mktemp --directory)
 trap 'rm -rf "$logs"' EXIT
 
-# The names of the cases to leave out as one expression; the dot in a name only matches itself.
+# The cases to leave out as one expression.
 exceptions() {
-    sed -n 's/^\([^# ]\+\) .*/\1/p' scripts/memcheck-exceptions.txt | sed 's/\./\\./' | paste -sd '|'
+    sed -n 's/^\([^# ]\+\) .*/\1/p' scripts/memcheck-exceptions.txt | paste -sd '|'
 }
 
 run_tests() {
