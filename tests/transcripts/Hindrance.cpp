@@ -57,13 +57,13 @@ Hindrance foreignObjects() {
     hindrance.description = "the objects are another user's until 00:00:02.500";
     hindrance.needsObedientClient = true;
     hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [modes](const ChildProcess&) {
+    hindrance.raise = [modes](const ChildProcess&, SteppedClock&) {
         for (const auto& entry : fs::directory_iterator(sharedMemory)) {
             (*modes)[entry.path()] = entry.status().permissions();
             fs::permissions(entry.path(), fs::perms::none);
         }
     };
-    hindrance.lift = [modes](const ChildProcess&) {
+    hindrance.lift = [modes](const ChildProcess&, SteppedClock&) {
         for (const auto& [path, mode] : *modes) {
             fs::permissions(path, mode);
         }
@@ -76,12 +76,12 @@ Hindrance noDescriptors() {
     Hindrance hindrance;
     hindrance.description = "no descriptor is left until 00:00:02.500";
     hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [usual](const ChildProcess& client) {
+    hindrance.raise = [usual](const ChildProcess& client, SteppedClock&) {
         check(prlimit(client.pid(), RLIMIT_NOFILE, nullptr, usual.get()), "prlimit");
         const rlimit standardStreams = {3, usual->rlim_max};
         check(prlimit(client.pid(), RLIMIT_NOFILE, &standardStreams, nullptr), "prlimit");
     };
-    hindrance.lift = [usual](const ChildProcess& client) {
+    hindrance.lift = [usual](const ChildProcess& client, SteppedClock&) {
         // A client that has ended by now is no process any more.
         if (prlimit(client.pid(), RLIMIT_NOFILE, usual.get(), nullptr) != 0 && errno != ESRCH) {
             check(-1, "prlimit");
@@ -94,8 +94,8 @@ Hindrance readOnlySharedMemory() {
     Hindrance hindrance;
     hindrance.description = "/dev/shm is read-only until 00:00:02.500";
     hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [](const ChildProcess&) { coverByReadOnlyView(); };
-    hindrance.lift = [](const ChildProcess&) { uncover(); };
+    hindrance.raise = [](const ChildProcess&, SteppedClock&) { coverByReadOnlyView(); };
+    hindrance.lift = [](const ChildProcess&, SteppedClock&) { uncover(); };
     return hindrance;
 }
 
@@ -104,8 +104,8 @@ Hindrance fullSharedMemory() {
     Hindrance hindrance;
     hindrance.description = "/dev/shm has room for two of the four objects until 00:00:02.500";
     hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [tiny](const ChildProcess&) { tiny->emplace("24k"); };
-    hindrance.lift = [tiny](const ChildProcess&) { makeRoom(); };
+    hindrance.raise = [tiny](const ChildProcess&, SteppedClock&) { tiny->emplace("24k"); };
+    hindrance.lift = [tiny](const ChildProcess&, SteppedClock&) { makeRoom(); };
     return hindrance;
 }
 
@@ -117,12 +117,19 @@ Hindrance heldCommandChannel() {
         "00:00:05.000";
     hindrance.raisedAt = 1000ms;
     hindrance.liftedAt = 5000ms;
-    hindrance.raise = [](const ChildProcess&) {
+    hindrance.raise = [](const ChildProcess&, SteppedClock&) {
         if (!RawSemaphore(lock).tryTake()) {
             throw std::runtime_error("the command channel's lock is not free");
         }
     };
-    hindrance.lift = [](const ChildProcess&) { RawSemaphore(lock).post(); };
+    hindrance.lift = [](const ChildProcess&, SteppedClock&) { RawSemaphore(lock).post(); };
+    return hindrance;
+}
+
+Hindrance slowLocks() {
+    Hindrance hindrance;
+    hindrance.description = "the client loses 300ms whenever it frees a lock";
+    hindrance.raise = [](const ChildProcess&, SteppedClock& clock) { clock.pauseAtUnlock(300ms); };
     return hindrance;
 }
 

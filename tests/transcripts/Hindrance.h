@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/transcripts/SteppedClock.h"
 
 namespace vantric_test {
 
@@ -14,8 +15,8 @@ struct Hindrance {
     bool needsObedientClient = false;
     std::chrono::milliseconds raisedAt = 0ms;
     std::chrono::milliseconds liftedAt = 0ms;
-    std::function<void(const ChildProcess& client)> raise;
-    std::function<void(const ChildProcess& client)> lift;
+    std::function<void(const ChildProcess& client, SteppedClock& clock)> raise;
+    std::function<void(const ChildProcess& client, SteppedClock& clock)> lift;  // null for never
 };
 
 Hindrance noHindrance();
@@ -34,5 +35,9 @@ Hindrance fullSharedMemory();
 // Somebody holds the lock of the command channel. The client must be connected when that begins,
 // for connecting frees the lock; the server must not take frames out.
 Hindrance heldCommandChannel();
+
+// The client loses its processor for 300ms whenever it frees a lock, so that time passes between
+// any two accesses to a segment.
+Hindrance slowLocks();
 
 }  // namespace vantric_test

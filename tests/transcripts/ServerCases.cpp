@@ -13,10 +13,6 @@ void addHealthyServers(CaseList& list) {
               "availablewifi", "forgetwifi", "statuscapi"});
     list.add("served", server("on_wifi.json"), {"disablewifi", "switchtocarrier"});
     list.add("served", "switchtowifi_slow", {"--switchtowifi"}, server("slow_switch.json"));
-    list.add("served", "switchtowifi_just_in_time", {"--switchtowifi"},
-             server("switch_just_in_time.json"));
-    list.add("served", "switchtowifi_just_too_late", {"--switchtowifi"},
-             server("switch_just_too_late.json"));
     list.add("served", "setConfigKeepWifi_other_settings", {"--setConfigKeepWifi", "factory.cfg"},
              server("factory_settings.json"));
     list.add("served", "forgetwifi_password_left", {"--forgetwifi"}, server("password_left.json"));

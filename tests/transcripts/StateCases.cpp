@@ -27,11 +27,36 @@ void addStatesThatCannotBeRead(CaseList& list) {
     list.add("wrong_version", server("wrong_version.json"), Names(all.begin() + 1, all.end()));
 
     list.add("unreadable_at_first_look",
-             hindered(heldCommandChannel, "unreadable_at_first_look.json"), waiting);
+             hindered(heldCommandChannel, "unreadable_at_first_look.json"), readingFirst);
     list.add("never_readable_again", hindered(heldCommandChannel, "never_readable_again.json"),
              waiting);
     list.add("invalid_at_first_look", hindered(heldCommandChannel, "invalid_at_first_look.json"),
              waiting);
+}
+
+// What is saved before a configuration is loaded may be lost on the way, or stem from several
+// states.
+void addSettingsThatChange(CaseList& list) {
+    const std::pair<const char*, const char*> scenarios[] = {
+        {"stale", "settings_stale.json"},
+        {"stale_behind_name", "settings_stale_behind_name.json"},
+        {"stale_behind_password", "settings_stale_behind_password.json"},
+        {"invalid", "settings_invalid.json"},
+        {"changing", "settings_changing.json"}};
+    for (const auto& [name, scenario] : scenarios) {
+        list.add("settings", name, {"--setConfigKeepWifi", "site-b.cfg"},
+                 hindered(slowLocks, scenario));
+    }
+}
+
+void addCycles(CaseList& list) {
+    const auto add = [&](const char* name, const char* scenario, seconds patience) {
+        list.add("cycles", name, {"--status"}, until(patience, server(scenario)));
+    };
+    add("all_failing", "nothing_can_be_read.json", seconds(75));
+    add("second_failing", "second_cycle_fails.json", seconds(45));
+    add("state_invalid_twice", "state_invalid_twice.json", seconds(30));
+    add("list_invalid_twice", "list_invalid_twice.json", seconds(60));
 }
 
 void addContents(CaseList& list) {
@@ -74,6 +99,8 @@ void addContents(CaseList& list) {
 
 void addStates(CaseList& list) {
     addStatesThatCannotBeRead(list);
+    addSettingsThatChange(list);
+    addCycles(list);
     addContents(list);
 }
 

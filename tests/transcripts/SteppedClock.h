@@ -38,6 +38,9 @@ class SteppedClock {
     // then. Throws std::runtime_error when one neither sleeps nor ends.
     bool runUntil(std::chrono::nanoseconds time);
 
+    // From now on the client loses this time whenever it frees a lock.
+    void pauseAtUnlock(std::chrono::nanoseconds pause) { page_->clientUnlockPause = pause.count(); }
+
     // Takes a program out that has ended while the clock stood.
     void dismiss(ClockParticipant participant);
 

@@ -30,7 +30,8 @@ struct SteppedClockPage {
         int64_t wakeTime;
     };
 
-    int64_t now;  // nanoseconds since the start
+    int64_t now;                // nanoseconds since the start
+    int64_t clientUnlockPause;  // nanoseconds that pass whenever the client frees a lock
     Participant participants[clockParticipantCount];
 
     void giveTurn(Participant& participant) {

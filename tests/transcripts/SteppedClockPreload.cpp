@@ -123,4 +123,14 @@ int sem_wait(sem_t* semaphore) {
     return 0;
 }
 
+int sem_post(sem_t* semaphore) noexcept {
+    using Function = int (*)(sem_t*);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "sem_post"));
+    const int result = original(semaphore);
+    if (self == vantric_test::clockClient && page->clientUnlockPause != 0) {
+        sleepUntil(page->now + page->clientUnlockPause);
+    }
+    return result;
+}
+
 }  // extern "C"

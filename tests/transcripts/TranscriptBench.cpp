@@ -143,9 +143,11 @@ void TranscriptBench::startClient() {
 void TranscriptBench::runClient() {
     if (hindrance_.description != nullptr) {
         runClientUntil(hindrance_.raisedAt);
-        hindrance_.raise(*client_);
+        hindrance_.raise(*client_, clock_);
+    }
+    if (hindrance_.lift) {
         runClientUntil(hindrance_.liftedAt);
-        hindrance_.lift(*client_);
+        hindrance_.lift(*client_, clock_);
     }
     runClientUntil(row_.circumstances.patience);
     if (!client_->wait(0ms)) {
