@@ -45,18 +45,12 @@ void makeRoom() {
     check(mount("tmpfs", sharedMemory, nullptr, flags, "size=1m"), "remounting");
 }
 
-}  // namespace
-
-Hindrance noHindrance() {
-    return {};
-}
-
-Hindrance foreignObjects() {
+Hindrance foreignObjectsUntil(std::chrono::milliseconds end, const char* description) {
     const auto modes = std::make_shared<std::map<fs::path, fs::perms>>();
     Hindrance hindrance;
-    hindrance.description = "the objects are another user's until 00:00:02.500";
+    hindrance.description = description;
     hindrance.needsObedientClient = true;
-    hindrance.liftedAt = betweenTwoAttempts;
+    hindrance.liftedAt = end;
     hindrance.raise = [modes](const ChildProcess&, SteppedClock&) {
         for (const auto& entry : fs::directory_iterator(sharedMemory)) {
             (*modes)[entry.path()] = entry.status().permissions();
@@ -69,6 +63,21 @@ Hindrance foreignObjects() {
         }
     };
     return hindrance;
+}
+
+}  // namespace
+
+Hindrance noHindrance() {
+    return {};
+}
+
+Hindrance foreignObjects() {
+    return foreignObjectsUntil(betweenTwoAttempts,
+                               "the objects are another user's until 00:00:02.500");
+}
+
+Hindrance foreignObjectsForLong() {
+    return foreignObjectsUntil(400500ms, "the objects are another user's until 00:06:40.500");
 }
 
 Hindrance noDescriptors() {

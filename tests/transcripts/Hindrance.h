@@ -24,6 +24,9 @@ Hindrance noHindrance();
 // The objects exist and are somebody else's.
 Hindrance foreignObjects();
 
+// The same for longer than any limit.
+Hindrance foreignObjectsForLong();
+
 // The client may open nothing more.
 Hindrance noDescriptors();
 

@@ -57,6 +57,18 @@ std::string escaped(std::string_view bytes) {
     return result;
 }
 
+std::string shortened(std::string_view text) {
+    constexpr std::size_t longRun = 200;
+    std::string result;
+    while (!text.empty()) {
+        const std::string_view run = text.substr(0, text.find_first_not_of(text[0]));
+        result += run.size() < longRun ? std::string(run)
+                                       : "\\{" + std::to_string(run.size()) + " " + run[0] + "}";
+        text.remove_prefix(run.size());
+    }
+    return result;
+}
+
 RecordedOutput::RecordedOutput() {
     int ends[2];
     // Every write is a packet of its own.

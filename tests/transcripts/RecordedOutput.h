@@ -17,6 +17,9 @@ std::string timeText(std::chrono::nanoseconds time);
 // printable ASCII as \xNN.
 std::string escaped(std::string_view bytes);
 
+// `text` with each run of 200 or more equal characters c as \{length c}.
+std::string shortened(std::string_view text);
+
 class RecordedOutput {
   public:
     RecordedOutput();

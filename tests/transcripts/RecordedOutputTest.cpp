@@ -8,6 +8,7 @@ namespace {
 using namespace std::chrono_literals;
 using vantric_test::escaped;
 using vantric_test::RecordedOutput;
+using vantric_test::shortened;
 using vantric_test::timeText;
 
 void writeTo(const RecordedOutput& output, const std::string& bytes) {
@@ -21,6 +22,14 @@ TEST(Escaping, tellsEveryByteFromTheTextOfItsEscape) {
     EXPECT_EQ(escaped("\x01\x1f\x7f\x80\xff"), "\\x01\\x1f\\x7f\\x80\\xff");
     EXPECT_EQ(escaped("\\x01"), "\\\\x01");
     EXPECT_EQ(escaped(std::string_view("\0", 1)), "\\x00");
+}
+
+TEST(Shortening, countsLongRunsOnly) {
+    EXPECT_EQ(shortened(""), "");
+    EXPECT_EQ(shortened("aab"), "aab");
+    EXPECT_EQ(shortened(std::string(199, 'a')), std::string(199, 'a'));
+    EXPECT_EQ(shortened("b" + std::string(200, 'a') + "b"), "b\\{200 a}b");
+    EXPECT_EQ(shortened(std::string(1000, 'a') + std::string(201, 'c')), "\\{1000 a}\\{201 c}");
 }
 
 TEST(TimeText, countsHoursToMilliseconds) {

@@ -65,11 +65,65 @@ void addServersThatDoNotAnswer(CaseList& list) {
              server("vanishes_for_long.json"));
 }
 
+// The shipped scenarios that tell of faults, for every command that they touch.
+void addShippedFaults(CaseList& list) {
+    list.add("full_ring", until(seconds(75), server("full_ring.json")), {"status"});
+    list.add("full_ring", server("full_ring.json"),
+             {"switchtowifi", "switchtocarrier", "setwifi", "forgetwifi", "statuscapi"});
+    // The second command lasts until the frames are taken out.
+    const std::pair<const char*, Arguments> shortCommands[] = {
+        {"enablewifi", {"--enablewifi", "--forgetwifi"}},
+        {"disablewifi", {"--disablewifi", "--forgetwifi"}},
+        {"setConfig", {"--setConfig", "site-b.cfg", "--forgetwifi"}},
+        {"setConfigKeepWifi", {"--setConfigKeepWifi", "site-b.cfg", "--forgetwifi"}},
+        {"availablewifi", {"--availablewifi", "--forgetwifi"}}};
+    for (const auto& [name, arguments] : shortCommands) {
+        list.add("full_ring", name, arguments, server("full_ring.json"));
+    }
+    // Four of these long frames fit; the next one does not, and shorter ones behind it do.
+    Arguments fillingTheRing;
+    for (const char letter : {'a', 'b', 'c', 'd', 'e'}) {
+        fillingTheRing.insert(fillingTheRing.end(), {"--setConfig", std::string(1000, letter)});
+    }
+    fillingTheRing.insert(fillingTheRing.end(), {"--enablewifi", "--forgetwifi"});
+    list.add("full_ring", "several", fillingTheRing, server("full_ring.json"));
+
+    list.add("invalid_header", server("invalid_header.json"), readingFirst);
+    list.add("invalid_header", until(seconds(20), server("invalid_header.json")), {"status"});
+    list.add("invalid_header", server("invalid_header.json"), {"forgetwifi"});
+
+    list.add("dies_holding_the_lock", until(seconds(20), server("dies_holding_the_lock.json")),
+             {"status", "switchtowifi", "setwifi", "setConfigKeepWifi"});
+    // Another command's connection frees the lock.
+    list.add("dies_holding_the_lock", "several", {"--setwifi", "home", "--status"},
+             until(seconds(40), server("dies_holding_the_lock.json")));
+
+    list.add("vanishes_and_comes_back", until(seconds(30), server("vanishes_and_comes_back.json")),
+             {"status"});
+    // The first command ends while the server is away, and the others begin then.
+    const std::pair<const char*, Arguments> others[] = {
+        {"enablewifi", {"--enablewifi", "--statuscapi"}},
+        {"disablewifi", {"--disablewifi", "--statuscapi"}},
+        {"switchtocarrier", {"--switchtocarrier"}},
+        {"setwifi", {"--setwifi", "office"}},
+        {"setConfig", {"--setConfig", "site-b.cfg", "--statuscapi"}},
+        {"setConfigKeepWifi", {"--setConfigKeepWifi", "site-b.cfg", "--statuscapi"}},
+        {"availablewifi", {"--availablewifi"}},
+        {"forgetwifi", {"--forgetwifi"}},
+        {"statuscapi", {"--statuscapi"}}};
+    for (const auto& [name, arguments] : others) {
+        Arguments line = {"--switchtowifi"};
+        line.insert(line.end(), arguments.begin(), arguments.end());
+        list.add("vanishes_and_comes_back", name, line, server("vanishes_and_comes_back.json"));
+    }
+}
+
 }  // namespace
 
 void addServers(CaseList& list) {
     addHealthyServers(list);
     addServersThatDoNotAnswer(list);
+    addShippedFaults(list);
 }
 
 }  // namespace vantric_test

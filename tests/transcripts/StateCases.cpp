@@ -14,6 +14,7 @@ void addStatesThatCannotBeRead(CaseList& list) {
     list.add("stale", server("stale_state.json"), {"availablewifi", "forgetwifi", "statuscapi"});
     list.add("stale_at_first", server("stale_for_a_while.json"), readingFirst);
     list.add("stale_at_first", server("stale_for_a_while.json"), {"forgetwifi"});
+    list.add("stale_for_long", server("stale_for_long.json"), readingFirst);
     list.add("stale_in_mid_wait", server("stale_in_mid_wait.json"),
              {"switchtowifi", "setwifi", "forgetwifi", "status"});
     list.add("as_old_as_allowed", server("as_old_as_allowed.json"), {"enablewifi", "status"});

@@ -75,6 +75,19 @@ void sortNetworkNames(std::vector<std::string>& writes) {
     }
 }
 
+// The lines that a server printed behind "ready", without their date.
+std::string linesOf(const ChildProcess& server) {
+    constexpr std::size_t dateLength = sizeof("2030-01-01 ") - 1;
+    std::istringstream lines(server.output());
+    std::string text;
+    std::string line;
+    std::getline(lines, line);
+    while (std::getline(lines, line)) {
+        text += line.substr(std::min(dateLength, line.size())) + "\n";
+    }
+    return text.empty() ? "nothing\n" : text;
+}
+
 }  // namespace
 
 TranscriptBench::TranscriptBench(TranscriptCase row)
@@ -96,7 +109,7 @@ std::string TranscriptBench::transcript() {
     if (row_.circumstances.networksAreSorted) {
         output_.change(sortNetworkNames);
     }
-    return heading() + "\n" + output_.text() + ending() + "\n" + serversView();
+    return shortened(heading() + "\n" + output_.text() + ending() + "\n" + serversView());
 }
 
 void TranscriptBench::startServer(const std::string& scenario) {
@@ -168,7 +181,12 @@ void TranscriptBench::runClientUntil(std::chrono::nanoseconds time) {
 
 void TranscriptBench::takeFramesOut() {
     clock_.runUntil(clock_.now() + afterglow);
-    if (server_->wait(0ms)) {
+    const auto status = server_->wait(0ms);
+    if (status && status->signal() == SIGKILL) {
+        killedServersLines_ = linesOf(*server_) + "ended by SIGKILL\n";
+        startServer("default.json");
+        clock_.runUntil(clock_.now() + afterglow);
+    } else if (status) {
         ADD_FAILURE() << "the server has ended: " << server_->errors();
     }
 }
@@ -203,20 +221,13 @@ std::string TranscriptBench::ending() const {
     return text;
 }
 
-// The lines that the server printed behind "ready", without their date.
 std::string TranscriptBench::serversView() const {
-    constexpr std::size_t dateLength = sizeof("2030-01-01 ") - 1;
-    std::string text = row_.circumstances.scenario.empty() ? "A server that comes later finds:\n"
-                                                           : "The server received:\n";
-    std::istringstream lines(server_->output());
-    std::string line;
-    std::getline(lines, line);
-    bool isEmpty = true;
-    while (std::getline(lines, line)) {
-        text += line.substr(std::min(dateLength, line.size())) + "\n";
-        isEmpty = false;
+    constexpr const char* received = "The server received:\n";
+    constexpr const char* foundLater = "A server that comes later finds:\n";
+    if (!killedServersLines_.empty()) {
+        return received + killedServersLines_ + "\n" + foundLater + linesOf(*server_);
     }
-    return isEmpty ? text + "nothing\n" : text;
+    return (row_.circumstances.scenario.empty() ? foundLater : received) + linesOf(*server_);
 }
 
 }  // namespace vantric_test

@@ -37,6 +37,7 @@ class TranscriptBench {
     SteppedClock clock_;
     std::unique_ptr<ChildProcess> server_;
     std::unique_ptr<ChildProcess> client_;
+    std::string killedServersLines_;  // empty unless the scenario has killed the server
     bool wasStopped_ = false;
     std::chrono::nanoseconds endTime_{0};
 };

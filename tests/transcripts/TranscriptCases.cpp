@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tests/transcripts/CaseList.h"
 
 namespace vantric_test {
@@ -41,6 +43,23 @@ void addConnectionsThatFail(CaseList& list) {
     list.add("read_only_memory", hindered(readOnlySharedMemory, "default.json"), all);
     list.add("full_memory", until(seconds(75), hindered(fullSharedMemory, "")), {"status"});
     list.add("full_memory", hindered(fullSharedMemory, ""), Names(all.begin() + 1, all.end()));
+    list.add("foreign_for_long",
+             until(seconds(410), hindered(foreignObjectsForLong, "default.json")), {"status"});
+    list.add("foreign_for_long", hindered(foreignObjectsForLong, "default.json"),
+             Names(ofTheClass.begin() + 1, ofTheClass.end()));
+
+    // What fails once is tried once; what follows is not touched by it.
+    const std::pair<const char*, Circumstances> hindrances[] = {
+        {"foreign_objects", hindered(foreignObjects, "default.json")},
+        {"no_descriptors", hindered(noDescriptors, "default.json")},
+        {"read_only_memory", hindered(readOnlySharedMemory, "default.json")},
+        {"full_memory", hindered(fullSharedMemory, "")}};
+    for (const auto& [situation, circumstances] : hindrances) {
+        list.add(situation, "several",
+                 {"--statuscapi", "--forgetwifi", "--availablewifi", "--statuscapi", "--forgetwifi",
+                  "--setConfig", "site-b.cfg"},
+                 circumstances);
+    }
 }
 
 void addLostOutput(CaseList& list) {
