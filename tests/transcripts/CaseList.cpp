@@ -55,6 +55,11 @@ Circumstances hindered(Hindrance (*hindrance)(), const char* scenario) {
     return result;
 }
 
+Circumstances logging(const char* level, Circumstances circumstances) {
+    circumstances.logLevel = level;
+    return circumstances;
+}
+
 Circumstances writingTo(ClientOutput output) {
     Circumstances result = server("default.json");
     result.output = output;

@@ -29,6 +29,7 @@ inline const Names waiting = {"switchtowifi", "switchtocarrier", "setwifi", "set
 Circumstances server(const char* scenario);
 Circumstances until(seconds patience, Circumstances circumstances);
 Circumstances hindered(Hindrance (*hindrance)(), const char* scenario);
+Circumstances logging(const char* level, Circumstances circumstances);
 Circumstances writingTo(ClientOutput output);
 
 class CaseList {
@@ -46,6 +47,7 @@ class CaseList {
 void addServers(CaseList& list);
 void addStates(CaseList& list);
 void addTimes(CaseList& list);
+void addLogs(CaseList& list);
 void addCommandLines(CaseList& list);
 void addConnectionsThatFail(CaseList& list);
 void addLostOutput(CaseList& list);

@@ -29,6 +29,24 @@ void check(int result, const char* step) {
     }
 }
 
+void liftLimit(const ChildProcess& client, __rlimit_resource resource, const rlimit& usual) {
+    // A client that has ended by now is no process any more.
+    if (prlimit(client.pid(), resource, &usual, nullptr) != 0 && errno != ESRCH) {
+        check(-1, "prlimit");
+    }
+}
+
+// The state is published again a millisecond later: nobody finds it stale.
+Hindrance wallClockSet(std::chrono::nanoseconds step, const char* description) {
+    Hindrance hindrance;
+    hindrance.description = description;
+    hindrance.raisedAt = 1999ms;
+    hindrance.raise = [step](const ChildProcess&, SteppedClock& clock) {
+        clock.setWallClock(step);
+    };
+    return hindrance;
+}
+
 // Lays a second, read-only view of /dev/shm over the first one, which the server goes on using.
 void coverByReadOnlyView() {
     check(mount(sharedMemory, sharedMemory, nullptr, MS_BIND, nullptr), "mounting");
@@ -91,10 +109,7 @@ Hindrance noDescriptors() {
         check(prlimit(client.pid(), RLIMIT_NOFILE, &standardStreams, nullptr), "prlimit");
     };
     hindrance.lift = [usual](const ChildProcess& client, SteppedClock&) {
-        // A client that has ended by now is no process any more.
-        if (prlimit(client.pid(), RLIMIT_NOFILE, usual.get(), nullptr) != 0 && errno != ESRCH) {
-            check(-1, "prlimit");
-        }
+        liftLimit(client, RLIMIT_NOFILE, *usual);
     };
     return hindrance;
 }
@@ -133,6 +148,32 @@ Hindrance heldCommandChannel() {
     };
     hindrance.lift = [](const ChildProcess&, SteppedClock&) { RawSemaphore(lock).post(); };
     return hindrance;
+}
+
+Hindrance noMemory() {
+    const auto usual = std::make_shared<rlimit>();
+    Hindrance hindrance;
+    hindrance.description =
+        "the client gets no more memory from 00:00:01.000 on until 00:00:05.500";
+    hindrance.raisedAt = 1000ms;
+    hindrance.liftedAt = 5500ms;
+    hindrance.raise = [usual](const ChildProcess& client, SteppedClock&) {
+        check(prlimit(client.pid(), RLIMIT_AS, nullptr, usual.get()), "prlimit");
+        const rlimit nothingMore = {1, usual->rlim_max};
+        check(prlimit(client.pid(), RLIMIT_AS, &nothingMore, nullptr), "prlimit");
+    };
+    hindrance.lift = [usual](const ChildProcess& client, SteppedClock&) {
+        liftLimit(client, RLIMIT_AS, *usual);
+    };
+    return hindrance;
+}
+
+Hindrance wallClockSetForwards() {
+    return wallClockSet(10min, "the wall clock is set 10 minutes forwards at 00:00:01.999");
+}
+
+Hindrance wallClockSetBackwards() {
+    return wallClockSet(-10min, "the wall clock is set 10 minutes backwards at 00:00:01.999");
 }
 
 Hindrance slowLocks() {

@@ -39,6 +39,13 @@ Hindrance fullSharedMemory();
 // for connecting frees the lock; the server must not take frames out.
 Hindrance heldCommandChannel();
 
+// The client gets no more memory for a while.
+Hindrance noMemory();
+
+// The wall clock is set by ten minutes just before second 2.
+Hindrance wallClockSetForwards();
+Hindrance wallClockSetBackwards();
+
 // The client loses its processor for 300ms whenever it frees a lock, so that time passes between
 // any two accesses to a segment.
 Hindrance slowLocks();

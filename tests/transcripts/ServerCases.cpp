@@ -61,6 +61,14 @@ void addServersThatDoNotAnswer(CaseList& list) {
               "forgetwifi", "statuscapi"});
     list.add("vanishing", until(seconds(45), server("vanishes_in_mid_wait.json")), {"status"});
     list.add("vanishing", server("vanishes_on_wifi.json"), {"switchtocarrier"});
+    // Looks at the state while the server is away, and what is sent in that time.
+    list.add("vanishing_unreadable", hindered(heldCommandChannel, "away_while_unreadable.json"),
+             {"setConfig", "setConfigKeepWifi"});
+    list.add("vanishing_invalid", "setConfig", {"--setConfig", "site-b.cfg", "--statuscapi"},
+             hindered(heldCommandChannel, "away_while_invalid.json"));
+    list.add("vanishing_invalid", "setConfigKeepWifi",
+             {"--setConfigKeepWifi", "site-b.cfg", "--statuscapi"},
+             hindered(heldCommandChannel, "away_while_invalid.json"));
     list.add("vanishing", "switchtowifi_for_long", {"--switchtowifi"},
              server("vanishes_for_long.json"));
 }

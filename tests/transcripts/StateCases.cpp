@@ -17,7 +17,10 @@ void addStatesThatCannotBeRead(CaseList& list) {
     list.add("stale_for_long", server("stale_for_long.json"), readingFirst);
     list.add("stale_in_mid_wait", server("stale_in_mid_wait.json"),
              {"switchtowifi", "setwifi", "forgetwifi", "status"});
-    list.add("as_old_as_allowed", server("as_old_as_allowed.json"), {"enablewifi", "status"});
+    list.add("as_old_as_allowed", server("as_old_as_allowed.json"),
+             {"enablewifi", "status", "setwifi", "setConfigKeepWifi", "forgetwifi"});
+    list.add("from_the_future", server("from_the_future.json"),
+             {"enablewifi", "status", "setwifi", "setConfigKeepWifi", "forgetwifi"});
 
     list.add("invalid", until(seconds(75), server("headers_invalid.json")), {"status"});
     list.add("invalid", server("headers_invalid.json"), Names(all.begin() + 1, all.end()));

@@ -38,6 +38,9 @@ class SteppedClock {
     // then. Throws std::runtime_error when one neither sleeps nor ends.
     bool runUntil(std::chrono::nanoseconds time);
 
+    // Sets the programs' wall clock forwards, or backwards; all else goes on undisturbed.
+    void setWallClock(std::chrono::nanoseconds step) { page_->wallClockStep = step.count(); }
+
     // From now on the client loses this time whenever it frees a lock.
     void pauseAtUnlock(std::chrono::nanoseconds pause) { page_->clientUnlockPause = pause.count(); }
 

@@ -31,6 +31,7 @@ struct SteppedClockPage {
     };
 
     int64_t now;                // nanoseconds since the start
+    int64_t wallClockStep;      // nanoseconds by which the wall clock was set forwards
     int64_t clientUnlockPause;  // nanoseconds that pass whenever the client frees a lock
     Participant participants[clockParticipantCount];
 

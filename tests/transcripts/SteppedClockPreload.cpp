@@ -103,11 +103,21 @@ int clock_gettime(clockid_t clock, timespec* time) noexcept {
     if (clock == CLOCK_MONOTONIC && ++readings == readingsWithoutSleep) {
         sleepUntil(page->now + pauseOfLoops);
     }
-    const int64_t shown =
-        page->now + (clock == CLOCK_REALTIME ? startOfWallClock : startOfMonotonicClock);
+    const int64_t startOfClock =
+        clock == CLOCK_REALTIME ? startOfWallClock + page->wallClockStep : startOfMonotonicClock;
+    const int64_t shown = startOfClock + page->now;
     time->tv_sec = static_cast<time_t>(shown / nanosecondsPerSecond);
     time->tv_nsec = static_cast<long>(shown % nanosecondsPerSecond);
     return 0;
+}
+
+time_t time(time_t* result) noexcept {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    if (result != nullptr) {
+        *result = now.tv_sec;
+    }
+    return now.tv_sec;
 }
 
 int nanosleep(const timespec* duration, timespec*) {

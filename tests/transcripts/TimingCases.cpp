@@ -1,4 +1,6 @@
 // Limits of time, and what counts into a duration.
+#include <utility>
+
 #include "tests/transcripts/CaseList.h"
 
 namespace vantric_test {
@@ -25,6 +27,17 @@ void addTimes(CaseList& list) {
     list.add("slow_locks", hindered(slowLocks, "default.json"), all);
     list.add("slow_locks_stuck", hindered(slowLocks, "requests_ignored.json"),
              {"availablewifi", "forgetwifi", "statuscapi"});
+
+    // Changes are timed by the wall clock, answers limited by the monotonic one.
+    const std::pair<const char*, Hindrance (*)()> settings[] = {
+        {"clock_forwards", wallClockSetForwards}, {"clock_backwards", wallClockSetBackwards}};
+    for (const auto& [situation, hindrance] : settings) {
+        list.add(situation, hindered(hindrance, "slow_reactions.json"),
+                 {"status", "switchtowifi", "switchtocarrier", "setwifi", "setConfig",
+                  "setConfigKeepWifi", "availablewifi", "forgetwifi", "statuscapi"});
+    }
+    list.add("clock_backwards", "switchtowifi_stuck", {"--switchtowifi"},
+             hindered(wallClockSetBackwards, "stuck_switch.json"));
 }
 
 }  // namespace vantric_test

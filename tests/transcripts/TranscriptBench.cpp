@@ -75,6 +75,16 @@ void sortNetworkNames(std::vector<std::string>& writes) {
     }
 }
 
+// Where in its file a record of the client library stems from may change at any time.
+void hideSourceLines(std::vector<std::string>& writes) {
+    static const std::regex number(R"((\| +ModemClientC?\|)[ 0-9]{4}[0-9]\|)");
+    for (std::string& write : writes) {
+        if (write.find("] <") != std::string::npos) {
+            write = std::regex_replace(write, number, "$1 LINE|");
+        }
+    }
+}
+
 // The lines that a server printed behind "ready", without their date.
 std::string linesOf(const ChildProcess& server) {
     constexpr std::size_t dateLength = sizeof("2030-01-01 ") - 1;
@@ -109,6 +119,7 @@ std::string TranscriptBench::transcript() {
     if (row_.circumstances.networksAreSorted) {
         output_.change(sortNetworkNames);
     }
+    output_.change(hideSourceLines);
     return shortened(heading() + "\n" + output_.text() + ending() + "\n" + serversView());
 }
 
@@ -129,7 +140,7 @@ void TranscriptBench::startClient() {
     Command command;
     command.program = VANTRICPROBE_PATH;
     command.arguments = row_.arguments;
-    command.environment["VRAX_LOG_LEVEL"] = "fatal";  // whatever the user's environment says
+    command.environment["VRAX_LOG_LEVEL"] = row_.circumstances.logLevel;
     command.commandName = row_.commandName;
     command = watched(command);
     const ClientOutput output = row_.circumstances.output;
@@ -200,6 +211,9 @@ std::string TranscriptBench::heading() const {
     text += "\nserver: " + (scenario.empty() ? "none" : scenario) + "\n";
     if (hindrance_.description != nullptr) {
         text += std::string("hindrance: ") + hindrance_.description + "\n";
+    }
+    if (row_.circumstances.logLevel != std::string("fatal")) {
+        text += std::string("log level: ") + row_.circumstances.logLevel + "\n";
     }
     if (row_.circumstances.output != ClientOutput::Read) {
         text += std::string("standard output: ") + outputText(row_.circumstances.output) + "\n";

@@ -21,6 +21,7 @@ struct Circumstances {
     Hindrance (*hindrance)() = noHindrance;
     // The client is stopped then, by SIGTERM.
     std::chrono::seconds patience = std::chrono::seconds(1000);
+    const char* logLevel = "fatal";
     // The list's order is nobody's promise.
     bool networksAreSorted = false;
 };

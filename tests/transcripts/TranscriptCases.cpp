@@ -48,6 +48,13 @@ void addConnectionsThatFail(CaseList& list) {
     list.add("foreign_for_long", hindered(foreignObjectsForLong, "default.json"),
              Names(ofTheClass.begin() + 1, ofTheClass.end()));
 
+    // The longest argument that the system passes on needs memory of its own wherever it is copied.
+    const std::string longName(131'071, 'n');
+    for (const char* option : {"--setwifi", "--setConfig", "--setConfigKeepWifi"}) {
+        list.add("no_memory", option + 2, {option, longName, "--enablewifi"},
+                 hindered(noMemory, "stale_until_two.json"));
+    }
+
     // What fails once is tried once; what follows is not touched by it.
     const std::pair<const char*, Circumstances> hindrances[] = {
         {"foreign_objects", hindered(foreignObjects, "default.json")},
@@ -76,6 +83,7 @@ std::vector<TranscriptCase> transcriptCases() {
     addServers(list);
     addStates(list);
     addTimes(list);
+    addLogs(list);
     addCommandLines(list);
     addConnectionsThatFail(list);
     addLostOutput(list);

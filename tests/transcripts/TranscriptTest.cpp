@@ -61,10 +61,11 @@ std::string firstDifference(const std::string& accepted, const std::string& now)
            "\nnow:      " + nowLine + "\n";
 }
 
-// The sanitizers' runtime needs descriptors of its own.
+// The sanitizers' runtime needs descriptors and memory of its own.
 bool canRun(const TranscriptCase& row) {
 #ifdef __SANITIZE_ADDRESS__
-    return row.circumstances.hindrance != vantric_test::noDescriptors;
+    return row.circumstances.hindrance != vantric_test::noDescriptors &&
+           row.circumstances.hindrance != vantric_test::noMemory;
 #else
     static_cast<void>(row);
     return true;
