@@ -5,6 +5,8 @@ set(CMAKE_SYSTEM_PROCESSOR armv7l)
 
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+# Nothing here is linked with objects of compilers before GCC 7, whose calls differ.
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf)
 
 # Programs come from this machine. So do headers without a library behind them, the only ones needed.
