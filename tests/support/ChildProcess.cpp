@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
@@ -29,18 +30,49 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
     return pointers;
 }
 
-std::vector<std::string> environmentWith(const std::map<std::string, std::string>& additions) {
-    std::vector<std::string> result;
+std::map<std::string, std::string> ownEnvironment() {
+    std::map<std::string, std::string> result;
     for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string text = *entry;
-        if (additions.count(text.substr(0, text.find('='))) == 0) {
-            result.push_back(text);
-        }
-    }
-    for (const auto& [name, value] : additions) {
-        result.push_back(std::string(name).append("=").append(value));
+        const std::size_t end = std::min(text.find('='), text.size() - 1);
+        result[text.substr(0, end)] = text.substr(end + 1);
     }
     return result;
+}
+
+// What execve() takes.
+class Execution {
+  public:
+    // Nothing is added to the command's environment.
+    explicit Execution(const Command& command)
+        : program_(command.program), arguments_{command.commandName.value_or(command.program)} {
+        arguments_.insert(arguments_.end(), command.arguments.begin(), command.arguments.end());
+        for (const auto& [name, value] : command.environment) {
+            environment_.push_back(std::string(name).append("=").append(value));
+        }
+        argumentPointers_ = pointersTo(arguments_);
+        environmentPointers_ = pointersTo(environment_);
+    }
+
+    Execution(const Execution&) = delete;
+    Execution& operator=(const Execution&) = delete;
+
+    // Returns when that is impossible only.
+    void perform() const {
+        execve(program_.c_str(), argumentPointers_.data(), environmentPointers_.data());
+    }
+
+  private:
+    std::string program_;
+    std::vector<std::string> arguments_;
+    std::vector<std::string> environment_;
+    std::vector<char*> argumentPointers_;
+    std::vector<char*> environmentPointers_;
+};
+
+Execution executionOf(Command command) {
+    command.environment.merge(ownEnvironment());
+    return Execution(emulated(command));
 }
 
 int openCapture(const char* name) {
@@ -72,14 +104,13 @@ int ExitStatus::signal() const {
     return WIFSIGNALED(raw) ? WTERMSIG(raw) : 0;
 }
 
-ChildProcess::ChildProcess(const Command& original)
+void replaceThisProcess(const Command& command) {
+    executionOf(command).perform();
+}
+
+ChildProcess::ChildProcess(const Command& command)
     : outputDescriptor_(openCapture("output")), errorsDescriptor_(openCapture("errors")) {
-    const Command command = emulated(original);
-    std::vector<std::string> arguments = {command.commandName.value_or(command.program)};
-    arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
-    std::vector<std::string> environment = environmentWith(command.environment);
-    const std::vector<char*> argumentPointers = pointersTo(arguments);
-    const std::vector<char*> environmentPointers = pointersTo(environment);
+    const Execution execution = executionOf(command);
     const int standardOutput = command.standardOutput.value_or(outputDescriptor_);
 
     pid_ = fork();
@@ -93,7 +124,7 @@ ChildProcess::ChildProcess(const Command& original)
         dup2(nothing, STDIN_FILENO);
         dup2(standardOutput, STDOUT_FILENO);
         dup2(errorsDescriptor_, STDERR_FILENO);
-        execve(command.program.c_str(), argumentPointers.data(), environmentPointers.data());
+        execution.perform();
         std::_Exit(cannotExecuteStatus);
     }
 }
@@ -116,7 +147,7 @@ std::string ChildProcess::output() const {
 }
 
 std::string ChildProcess::errors() const {
-    return contentOf(errorsDescriptor_);
+    return withoutEmulatorsWords(contentOf(errorsDescriptor_));
 }
 
 bool ChildProcess::waitForOutput(std::string_view text, std::chrono::milliseconds patience) {

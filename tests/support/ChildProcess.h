@@ -34,10 +34,14 @@ struct ExitStatus {
     int signal() const;
 };
 
+// Executes the command in the place of this process, with its environment and descriptors. Returns
+// when that is impossible only.
+void replaceThisProcess(const Command& command);
+
 class ChildProcess {
   public:
     // Starts the child; its standard input is /dev/null. Throws std::runtime_error when that fails.
-    explicit ChildProcess(const Command& original);
+    explicit ChildProcess(const Command& command);
 
     // Kills (SIGKILL) and reaps a child that is still running.
     ~ChildProcess();

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/Emulation.h"
 #include "tests/support/Privileges.h"
 #include "tests/support/Roles.h"
 
@@ -37,14 +36,11 @@ int launch(const std::vector<std::string>& arguments) {
     if (!preparations[std::stoul(arguments.at(0))]()) {
         return cannotLaunch;
     }
-    std::vector<std::string> texts(arguments.begin() + 2, arguments.end());
-    std::vector<char*> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    execv(arguments.at(1).c_str(), pointers.data());
+    Command command;
+    command.program = arguments.at(1);
+    command.commandName = arguments.at(2);
+    command.arguments.assign(arguments.begin() + 3, arguments.end());
+    replaceThisProcess(command);
     return cannotLaunch;
 }
 
@@ -52,8 +48,7 @@ const RoleRegistration launcher(launcherRole, launch);
 
 }  // namespace
 
-Command launching(Launch launch, const Command& original) {
-    const Command command = emulated(original);
+Command launching(Launch launch, const Command& command) {
     std::vector<std::string> arguments = {std::to_string(static_cast<int>(launch)), command.program,
                                           command.commandName.value_or(command.program)};
     arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());

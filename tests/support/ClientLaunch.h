@@ -12,7 +12,7 @@ enum class Launch {
     ObeyingFileModes      // without the privileges of root
 };
 
-// The command that does that and then executes `original` in its own place.
-Command launching(Launch launch, const Command& original);
+// The command that does that and then executes `command` in its own place.
+Command launching(Launch launch, const Command& command);
 
 }  // namespace vantric_test

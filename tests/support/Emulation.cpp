@@ -1,11 +1,13 @@
 #include "tests/support/Emulation.h"
 
 #include <elf.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <sstream>
 
 namespace vantric_test {
@@ -37,8 +39,12 @@ std::string executable(const std::string& program) {
 Command emulated(const Command& command) {
     std::istringstream text(TEST_EMULATOR);
     std::vector<std::string> words(std::istream_iterator<std::string>(text), {});
+    // A machine without the emulator needs none: it is of the build's architecture.
+    if (words.empty() || access(words.front().c_str(), X_OK) != 0) {
+        return command;
+    }
     const std::string program = executable(command.program);
-    if (words.empty() || !isOfOwnArchitecture(program)) {
+    if (!isOfOwnArchitecture(program)) {
         return command;
     }
     Command result = command;
@@ -57,6 +63,11 @@ Command emulated(const Command& command) {
     result.arguments.insert(result.arguments.end(), command.arguments.begin(),
                             command.arguments.end());
     return result;
+}
+
+std::string withoutEmulatorsWords(const std::string& errors) {
+    static const std::regex report("qemu: uncaught target signal [0-9]+ .*\n");
+    return std::regex_replace(errors, report, "");
 }
 
 }  // namespace vantric_test

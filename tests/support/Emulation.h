@@ -10,4 +10,7 @@ namespace vantric_test {
 // program is of the build's architecture; as it is otherwise.
 Command emulated(const Command& command);
 
+// Standard error of a command without the line that the emulator adds when a signal ends it.
+std::string withoutEmulatorsWords(const std::string& errors);
+
 }  // namespace vantric_test

@@ -14,6 +14,7 @@
 #include "Vantric/ClientServer/SharedMemoryProvider.h"
 #include "tests/support/Allocations.h"
 #include "tests/support/ErrorRecord.h"
+#include "tests/support/FullAddressSpace.h"
 #include "tests/support/Privileges.h"
 #include "tests/support/ProcessFacts.h"
 #include "tests/support/RawSegment.h"
@@ -55,11 +56,6 @@ std::string failureOf(uint32_t payloadSize) {
     return failureOf(provider, payloadSize);
 }
 
-std::size_t mappedBytes() {
-    const std::string pages = fileContent("/proc/self/statm");
-    return std::stoul(pages) * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
-
 // Maps one segment and prints the error's text. arguments: payload size
 const RoleRegistration mapper("mapper", [](const std::vector<std::string>& arguments) {
     std::fputs(failureOf(static_cast<uint32_t>(std::stoul(arguments.at(0)))).c_str(), stdout);
@@ -92,19 +88,17 @@ const RoleRegistration exhausted("exhaustedMapper", [](const std::vector<std::st
     return 0;
 });
 
-// Maps with too small an address space, then with a sufficient one. Prints the error's text; the
+// Maps with too full an address space, then with a sufficient one. Prints the error's text; the
 // exit code names what was wrong afterwards.
 const RoleRegistration cramped("crampedMapper", [](const std::vector<std::string>&) {
-    constexpr rlim_t slack = 8U << 20;
     constexpr uint32_t tooMuch = 32U << 20;
     SharedMemoryProvider provider;
-    rlimit limit = {};
-    getrlimit(RLIMIT_AS, &limit);
-    const rlimit crampedLimit = {mappedBytes() + slack, limit.rlim_max};
-    setrlimit(RLIMIT_AS, &crampedLimit);
     const std::size_t descriptors = openDescriptorCount();
-    const std::string failure = failureOf(provider, tooMuch);
-    setrlimit(RLIMIT_AS, &limit);
+    std::string failure;
+    {
+        const FullAddressSpace addressSpace(tooMuch);
+        failure = failureOf(provider, tooMuch);
+    }
     std::fputs(failure.c_str(), stdout);
     if (openDescriptorCount() != descriptors) {
         return 2;
