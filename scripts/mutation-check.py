@@ -86,8 +86,8 @@ def test(*options):
 
 def failed_tests(*options):
     result = test(*options)
-    # The summary's lines: "    12 - SetWifi.comparesNamesByteForByte (Failed)".
-    names = re.findall(r"^\s*\d+ - (\S+) \(", result.stdout, re.MULTILINE)
+    # The summary's lines: "12 - SetWifi.comparesBytes (Failed)", perhaps with "# GetParam() = x" before the verdict.
+    names = re.findall(r"^\s*\d+ - (\S+).* \(\w[^()]*\)$", result.stdout, re.MULTILINE)
     if result.returncode != 0 and not names:
         sys.exit(f"{result.stdout}\nctest failed without a failed test")
     return names
