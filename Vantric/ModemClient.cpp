@@ -1,8 +1,11 @@
 #include "Vantric/ModemClient.h"
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 
 #include "CoreMisc/src/VyLog.h"
@@ -19,7 +22,7 @@ namespace {
 using ClientServer::ModemCommand;
 
 constexpr const char* sourceFile = "Vantric/ModemClient";
-constexpr std::chrono::seconds stalenessLimit(300);
+constexpr int64_t stalenessLimitSeconds = 300;
 
 // A record that cannot be built (out of memory) is lost: no exception leaves the client.
 void logError(int line, const char* text, const std::exception& error) noexcept {
@@ -40,10 +43,16 @@ bool succeeds(Action action) {
     }
 }
 
+// Since the epoch. After January 2038 a 32-bit C library cannot tell the time; whatever was
+// published is old then.
+int64_t wallClockSeconds() {
+    constexpr int64_t afterEverything = std::numeric_limits<int64_t>::max() / 2;
+    timespec now = {};
+    return clock_gettime(CLOCK_REALTIME, &now) == 0 ? now.tv_sec : afterEverything;
+}
+
 void requireFresh(const ModemState& state) {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    const std::chrono::seconds published(state.timestamp);
-    if (std::chrono::duration_cast<std::chrono::seconds>(now) - published > stalenessLimit) {
+    if (wallClockSeconds() - state.timestamp > stalenessLimitSeconds) {
         throw std::runtime_error("SharedMemoryModemState is stale.");
     }
 }

@@ -18,7 +18,7 @@ packages=$device/packages
 root=$device/root
 tests=build/armhf
 # ctest comes with cmake.
-wanted=(bash cmake coreutils dpkg libstdc++6 mount util-linux)
+wanted=(bash cmake coreutils diffutils dpkg libc-bin libstdc++6 mount util-linux)
 
 scripts/install-packages.sh
 
@@ -33,14 +33,14 @@ rm -f build/armhf-packages/*.deb
 # apt for the device's architecture, with a state of its own: this machine's packages stay as they are.
 device_apt() {
     apt-get -qq -o Dir::Etc="$device/apt" -o Dir::State="$device/apt" -o Dir::State::status="$device/apt/status" \
-        -o Dir::Cache="$device/apt" -o Dir::Cache::archives="$packages" \
+        -o Dir::Cache="$device/apt" -o Dir::Cache::archives="$packages" -o APT::Sandbox::User=root \
         -o APT::Architecture=armhf -o APT::Architectures=armhf "$@"
 }
 
 fetch_packages() {
     say "Fetching Debian's packages for armhf"
     rm -rf "$packages" "$device/apt"
-    mkdir -p "$packages/partial" "$device/apt/sources.list.d" "$device/apt/lists/partial"
+    mkdir -p "$packages/partial" "$device"/apt/{sources.list.d,preferences.d,apt.conf.d} "$device/apt/lists/partial"
     touch "$device/apt/status"
     echo "deb [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] http://deb.debian.org/debian bookworm main" \
         > "$device/apt/sources.list"

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <limits>
 #include <string>
@@ -14,6 +15,7 @@
 #include "tests/support/PublishedServer.h"
 #include "tests/support/RawSemaphore.h"
 #include "tests/support/Roles.h"
+#include "tests/support/WallClockAt.h"
 
 namespace {
 
@@ -41,17 +43,16 @@ class ModemClientQueries : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(client.connect()); }
 
-    // Publishes a state of this age and reads it; both in the same second, so that the age is what
-    // the client sees.
     bool isReadableAtTheAgeOf(int32_t seconds) {
-        bool isReadable = false;
-        int32_t now = 0;
-        do {
-            now = secondsNow();
-            publishAt(now - seconds);
-            isReadable = client.getConnectivityType(number);
-        } while (secondsNow() != now);
-        return isReadable;
+        constexpr int32_t now = 1'900'000'000;
+        publishAt(now - seconds);
+        return isReadableAt(now);
+    }
+
+    // Whether what is published can be read when the wall clock shows that second.
+    bool isReadableAt(int64_t now) {
+        const WallClockAt clock(now);
+        return client.getConnectivityType(number);
     }
 
     void publishAt(int32_t timestamp) {
@@ -214,6 +215,27 @@ TEST_F(ModemClientQueries, refuseAStateFromBeforeTheEpoch) {
         publishAt(timestamp);
         EXPECT_FALSE(client.getConnectivityType(number)) << timestamp;
     }
+}
+
+constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
+
+TEST_F(ModemClientQueries, acceptAStateInTheLastSecondThatAStampCanShow) {
+    publishAt(lastStamp);
+    EXPECT_TRUE(isReadableAt(lastStamp));
+}
+
+TEST_F(ModemClientQueries, refuseAStampThatHasWrappedAfterJanuary2038) {
+    publishAt(std::numeric_limits<int32_t>::min());
+    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1));
+    publishAt(std::numeric_limits<int32_t>::min() + 1000);
+    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1001));
+}
+
+TEST_F(ModemClientQueries, acceptTheLastStampAfterJanuary2038WhileItIsYoungWhereTheClockCanBeRead) {
+    constexpr bool canReadClock = sizeof(time_t) > sizeof(int32_t);
+    publishAt(lastStamp);
+    EXPECT_EQ(isReadableAt(int64_t{lastStamp} + 300), canReadClock);
+    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 301));
 }
 
 TEST_F(ModemClientQueries, refuseAStaleStateEveryTime) {
