@@ -22,8 +22,8 @@ constexpr const char* encryptionTypeNames[] = {
 
 template <std::size_t count>
 const char* nameOf(int32_t value, const char* const (&names)[count], const char* fallback) {
-    const bool isKnown = value >= 0 && static_cast<std::size_t>(value) < count;
-    return isKnown ? names[value] : fallback;
+    const auto index = static_cast<uint32_t>(value);  // no name has a negative value
+    return index < count ? names[index] : fallback;
 }
 
 // Copies `text` and its NUL; what lies behind stays as it is.
