@@ -64,7 +64,7 @@ for architecture in "${architectures[@]}"; do
 done
 
 say "Sizes in bytes (memory: KiB)"
-printf '%-8s %-8s %-16s %8s %8s %10s %10s\n' for runtime what text data stripped budget
+printf '%-8s %-8s %-16s %8s %8s %10s %10s\n' machine runtime what text data stripped budget
 status=0
 while read -r architecture runtime what budget; do
     if [[ " ${architectures[*]} " = *" $architecture "* ]]; then

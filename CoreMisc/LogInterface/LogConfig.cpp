@@ -31,9 +31,8 @@ uint32_t choiceFromEnvironment(const char* variable, const char* const (&choices
             return static_cast<uint32_t>(index);
         }
     }
-    const long number = std::strtol(text, nullptr, 10);
-    const bool isIndex = number >= 0 && static_cast<unsigned long>(number) < count;
-    return isIndex ? static_cast<uint32_t>(number) : defaultChoice;
+    const auto number = static_cast<unsigned long>(std::strtol(text, nullptr, 10));
+    return number < count ? static_cast<uint32_t>(number) : defaultChoice;
 }
 
 std::string textFromEnvironment(const char* variable, const std::string& defaultText) {
