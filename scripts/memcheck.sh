@@ -1,19 +1,24 @@
 #!/usr/bin/env bash
-# Runs the tests of the whole programs (those with the label "programs") with every vantricprobe and
-# vantricsim that they start under valgrind's memcheck, and fails on any finding in any of them:
-# invalid or uninitialised memory, or memory that is lost at the end. What is still reachable then is
-# no finding: some objects live on purpose until the process ends. A process that a test kills is
-# checked until then, without the search for lost memory.
+# Runs the end-to-end tests with every vantricprobe and vantricsim that they start under valgrind's
+# memcheck, and fails on any finding in any of them: invalid or uninitialised memory, or memory that is
+# lost at the end. What is still reachable then is no finding: some objects live on purpose until the
+# process ends. A process that a test kills is checked until then, without the search for lost memory.
 #
-# Usage: scripts/memcheck.sh [CASES]
-#   CASES  a regular expression; only the cases whose names match it are run
+# Usage: scripts/memcheck.sh [--with-transcripts] [CASES]
+#   --with-transcripts  runs the transcripts too, which takes several times as long
+#   CASES               a regular expression; only the cases whose names match it are run
 #
 # scripts/memcheck-exceptions.txt names the cases that are left out, and
-# scripts/memcheck-suppressions.txt what is no finding. Takes minutes, and ends after 30 at the latest.
+# scripts/memcheck-suppressions.txt what is no finding. Takes minutes, and ends after 60 at the latest.
 source "$(dirname "$0")/common.sh"
 show_help_and_exit_on_demand "$@"
+labels=end_to_end
+if [ "${1:-}" = --with-transcripts ]; then
+    labels='end_to_end|transcripts'
+    shift
+fi
 cases=${1:-.}
-longest_run=30m
+longest_run=60m
 
 scripts/install-packages.sh
 say "Building (dev)"
@@ -33,7 +38,7 @@ run_tests() {
     VANTRIC_TEST_LAUNCHER="$(command -v valgrind) --vgdb=no --error-exitcode=99 --leak-check=full \
         --show-leak-kinds=definite,indirect,possible --errors-for-leak-kinds=definite,indirect,possible \
         --suppressions=$suppressions --log-file=$logs/%p.log" \
-        timeout --kill-after=10 "$longest_run" ctest --test-dir build/dev --label-regex '^programs$' --no-tests=error \
+        timeout --kill-after=10 "$longest_run" ctest --test-dir build/dev --label-regex "^($labels)\$" --no-tests=error \
         --parallel "$(($(nproc) * 2))" --output-on-failure --tests-regex "$cases" --exclude-regex "^($(exceptions))\$"
 }
 

@@ -122,7 +122,7 @@ const vantric_test::RoleRegistration printsWithoutPrivileges(
             return -1;
         }
         const std::string printed =
-            printErrors(2, errorLog(arguments.at(0), arguments.at(1).c_str(), "1"));
+            printErrors(2, errorLog(arguments.at(0), arguments.at(1), "1"));
         return printed == failuresToConnect(2) ? 0 : 1;
     });
 

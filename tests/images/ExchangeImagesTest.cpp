@@ -69,11 +69,11 @@ TEST(ExchangeImages, theStateIsUnderstoodFieldByField) {
     int32_t number = 0;
     std::string text;
     EXPECT_TRUE(client.getConnectivityType(number));
-    EXPECT_EQ(number, expected.connectivityType);
+    EXPECT_EQ(number, int32_t{expected.connectivityType});
     EXPECT_TRUE(client.getWifiSSID(text));
     EXPECT_EQ(text, fieldText(expected.wifiSsid));
     EXPECT_TRUE(client.getWifiPasswordAndEncryptionType(number, text));
-    EXPECT_EQ(number, expected.wifiEncryptionType);
+    EXPECT_EQ(number, int32_t{expected.wifiEncryptionType});
     EXPECT_EQ(text, fieldText(expected.wifiPassword));
     EXPECT_TRUE(client.getHostname(text));
     EXPECT_EQ(text, fieldText(expected.hostname));

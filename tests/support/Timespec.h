@@ -15,10 +15,10 @@ constexpr int64_t nanosecondsOf(const timespec& time) {
 
 // For times from 0 on.
 constexpr timespec timespecOf(int64_t nanoseconds) {
-    timespec time = {};
-    time.tv_sec = static_cast<time_t>(nanoseconds / nanosecondsPerSecond);
-    time.tv_nsec = static_cast<long>(nanoseconds % nanosecondsPerSecond);
-    return time;
+    timespec result = {};
+    result.tv_sec = static_cast<time_t>(nanoseconds / nanosecondsPerSecond);
+    result.tv_nsec = static_cast<long>(nanoseconds % nanosecondsPerSecond);
+    return result;
 }
 
 }  // namespace vantric_test

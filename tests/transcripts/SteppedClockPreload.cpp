@@ -9,13 +9,16 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/support/Timespec.h"
 #include "tests/transcripts/SteppedClockPage.h"
 
 namespace {
 
+using vantric_test::nanosecondsOf;
+using vantric_test::nanosecondsPerSecond;
 using vantric_test::SteppedClockPage;
+using vantric_test::timespecOf;
 
-constexpr int64_t nanosecondsPerSecond = 1'000'000'000;
 constexpr int64_t pauseOfLoops = 100'000'000;
 constexpr int64_t lockRetry = 1'000'000;
 constexpr int64_t startOfWallClock = 1'893'456'000 * nanosecondsPerSecond;  // 2030-01-01, UTC
@@ -86,10 +89,6 @@ struct Start {
 
 const Start start;
 
-int64_t nanosecondsOf(const timespec& time) {
-    return int64_t{time.tv_sec} * nanosecondsPerSecond + time.tv_nsec;
-}
-
 }  // namespace
 
 extern "C" {
@@ -105,9 +104,7 @@ int clock_gettime(clockid_t clock, timespec* time) noexcept {
     }
     const int64_t startOfClock =
         clock == CLOCK_REALTIME ? startOfWallClock + page->wallClockStep : startOfMonotonicClock;
-    const int64_t shown = startOfClock + page->now;
-    time->tv_sec = static_cast<time_t>(shown / nanosecondsPerSecond);
-    time->tv_nsec = static_cast<long>(shown % nanosecondsPerSecond);
+    *time = timespecOf(startOfClock + page->now);
     return 0;
 }
 
