@@ -121,8 +121,7 @@ const vantric_test::RoleRegistration printsWithoutPrivileges(
         if (!vantric_test::obeyFileModesBeyondExec()) {
             return -1;
         }
-        const std::string printed =
-            printErrors(2, errorLog(arguments.at(0), arguments.at(1), "1"));
+        const std::string printed = printErrors(2, errorLog(arguments.at(0), arguments.at(1), "1"));
         return printed == failuresToConnect(2) ? 0 : 1;
     });
 

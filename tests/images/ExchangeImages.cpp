@@ -116,7 +116,7 @@ Bytes answered(Query query) {
         ++list.updateCounter;
         server.wifiList.publish(list);
     });
-    const Bytes result = query(client);
+    Bytes result = query(client);
     modemClientDestroy(client);
     return result;
 }
@@ -158,9 +158,9 @@ Vantric::ModemStateExtended imageExtendedState() {
 }
 
 Vantric::WifiInfosList imageWifiList() {
-    std::vector<int32_t> levels;
-    for (int32_t index = 0; index < Vantric::WifiInfosList::maximumCount; ++index) {
-        levels.push_back(40 - index);
+    std::vector<int32_t> levels(Vantric::WifiInfosList::maximumCount);
+    for (std::size_t index = 0; index < levels.size(); ++index) {
+        levels[index] = 40 - static_cast<int32_t>(index);
     }
     return wifiListOf(levels, 0x01020304);
 }
