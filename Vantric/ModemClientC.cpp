@@ -27,7 +27,8 @@ ModemClient* clientOf(ModemClientHandle handle) {
 // Runs `action` when all `pointers` are there. No exception may reach a C caller.
 template <class Action, class... Pointers>
 bool guarded(Action action, const Pointers*... pointers) noexcept {
-    if (((pointers == nullptr) || ...)) {
+    const bool isAnyMissing = ((pointers == nullptr) || ...);
+    if (isAnyMissing) {
         return false;
     }
     try {

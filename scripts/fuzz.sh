@@ -2,9 +2,10 @@
 # Fuzzes the targets of fuzz/ one after the other, each in a private /dev/shm, and fails when one
 # breaks a promise, leaks, hangs or runs out of memory; the input that did it is named then.
 #
-# Usage: scripts/fuzz.sh [--seconds N] [TARGET...]
+# Usage: scripts/fuzz.sh [--seconds N] [--seed N] [TARGET...]
 #        scripts/fuzz.sh --coverage
 #   --seconds N  how long each target runs (20)
+#   --seed N     starts from the same random choices as every run with that number
 #   TARGET       a folder name in fuzz/corpus; all of them when none is named
 #   --coverage   instead of fuzzing, shows the lines of the product and the simulator that the
 #                checked-in corpus reaches
@@ -14,6 +15,7 @@ source "$(dirname "$0")/common.sh"
 show_help_and_exit_on_demand "$@"
 
 seconds=20
+seed=0
 coverage=false
 targets=()
 
@@ -27,6 +29,11 @@ while [ $# -gt 0 ]; do
         --seconds)
             seconds=${2:-}
             [[ $seconds =~ ^[1-9][0-9]*$ ]] || fail_usage "--seconds needs a whole number above 0"
+            shift
+            ;;
+        --seed)
+            seed=${2:-}
+            [[ $seed =~ ^[1-9][0-9]*$ ]] || fail_usage "--seed needs a whole number above 0"
             shift
             ;;
         --coverage) coverage=true ;;
@@ -61,7 +68,7 @@ fuzz() {
     mkdir -p "$finds" "$failures"
     # The outer limit is for a hang that stops the fuzzer's own clock as well.
     timeout --kill-after=10 $((seconds + 120)) "build/fuzz/bin/fuzz_$target" \
-        -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -use_value_profile=1 \
+        -seed="$seed" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -use_value_profile=1 \
         -print_final_stats=1 -artifact_prefix="$failures/" "$finds" "fuzz/corpus/$target" \
         > "$log" 2>&1 || status=$?
     printf '%-14s %9s executions, %6s a second, %s, %s inputs found\n' "$target" \

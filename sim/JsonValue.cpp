@@ -18,10 +18,16 @@ std::string quotation(const nlohmann::json& value) {
     return text.size() <= longestQuotation ? text : text.substr(0, longestQuotation) + "...";
 }
 
-// A key as messages show it: its control characters must neither end the text nor reach a terminal.
-std::string printable(const std::string& key) {
+std::string shortNumber(double value) {
+    return nlohmann::json(value).dump();
+}
+
+}  // namespace
+
+// Control characters must neither end the text nor reach a terminal.
+std::string ScenarioError::printable(const std::string& reason) {
     std::string result;
-    for (const char character : key) {
+    for (const char character : reason) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte < 0x20 || byte == 0x7f) {
             char escape[8];
@@ -33,12 +39,6 @@ std::string printable(const std::string& key) {
     }
     return result;
 }
-
-std::string shortNumber(double value) {
-    return nlohmann::json(value).dump();
-}
-
-}  // namespace
 
 JsonValue::JsonValue(const nlohmann::json& value, std::string path)
     : value_(&value), path_(std::move(path)) {}
@@ -134,7 +134,7 @@ void JsonValue::failExpecting(const std::string& expectation) const {
 }
 
 std::string JsonValue::pathOf(const std::string& key) const {
-    return path_.empty() ? printable(key) : path_ + "." + printable(key);
+    return path_.empty() ? key : path_ + "." + key;
 }
 
 std::string alternatives(const std::vector<std::string>& names) {

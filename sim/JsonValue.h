@@ -15,9 +15,14 @@
 
 namespace vantric_sim {
 
+// Says why a scenario is refused; texts of the scenario in it may hold anything, and are shown with
+// their control characters as "\xNN".
 class ScenarioError : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    explicit ScenarioError(const std::string& reason) : std::runtime_error(printable(reason)) {}
+
+  private:
+    static std::string printable(const std::string& reason);
 };
 
 class JsonValue {

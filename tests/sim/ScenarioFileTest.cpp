@@ -34,6 +34,13 @@ TEST(ScenarioFile, showsAnUnknownKeysControlCharactersEscaped) {
     EXPECT_EQ(error.rfind("\\x00a\\x1b: unknown key, expected ", 0), 0u) << error;
 }
 
+TEST(ScenarioFile, showsUnreadableTextWithItsControlCharactersEscaped) {
+    const std::string error = errorOf("{\"a\x7f\n");
+    EXPECT_NE(error.find("a\\x7f"), std::string::npos) << error;
+    EXPECT_EQ(error.find('\x7f'), std::string::npos);
+    EXPECT_EQ(error.find('\n'), std::string::npos);
+}
+
 TEST(ScenarioFile, leavesTheDefaultsWhereAScenarioSaysNothing) {
     const Scenario scenario = parseScenario("{}");
     EXPECT_EQ(int32_t(scenario.state.connectivityType), 2);
