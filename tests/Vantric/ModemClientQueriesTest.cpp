@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <ctime>
 #include <functional>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -15,7 +13,6 @@
 #include "tests/support/PublishedServer.h"
 #include "tests/support/RawSemaphore.h"
 #include "tests/support/Roles.h"
-#include "tests/support/WallClockAt.h"
 
 namespace {
 
@@ -42,18 +39,6 @@ std::string passwordRecord(const std::string& reason) {
 class ModemClientQueries : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(client.connect()); }
-
-    bool isReadableAtTheAgeOf(int32_t seconds) {
-        constexpr int32_t now = 1'900'000'000;
-        publishAt(now - seconds);
-        return isReadableAt(now);
-    }
-
-    // Whether what is published can be read when the wall clock shows that second.
-    bool isReadableAt(int64_t now) {
-        const WallClockAt clock(now);
-        return client.getConnectivityType(number);
-    }
 
     void publishAt(int32_t timestamp) {
         ModemState state = freshState();
@@ -194,48 +179,6 @@ TEST_F(ModemClientQueries, failWithoutTouchingTheirOutputsOnAStaleState) {
     EXPECT_FALSE(client.getWifiConnectionState(text));
     EXPECT_EQ(number, -1);
     EXPECT_EQ(text, "untouched");
-}
-
-TEST_F(ModemClientQueries, acceptAStateOfExactlyThreeHundredSeconds) {
-    EXPECT_TRUE(isReadableAtTheAgeOf(300));
-}
-
-TEST_F(ModemClientQueries, refuseAStateOfThreeHundredAndOneSeconds) {
-    EXPECT_FALSE(isReadableAtTheAgeOf(301));
-}
-
-TEST_F(ModemClientQueries, acceptAStateFromTheFuture) {
-    EXPECT_TRUE(isReadableAtTheAgeOf(-10));
-    publishAt(std::numeric_limits<int32_t>::max());
-    EXPECT_TRUE(client.getConnectivityType(number));
-}
-
-TEST_F(ModemClientQueries, refuseAStateFromBeforeTheEpoch) {
-    for (const int32_t timestamp : {0, -1, std::numeric_limits<int32_t>::min()}) {
-        publishAt(timestamp);
-        EXPECT_FALSE(client.getConnectivityType(number)) << timestamp;
-    }
-}
-
-constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
-
-TEST_F(ModemClientQueries, acceptAStateInTheLastSecondThatAStampCanShow) {
-    publishAt(lastStamp);
-    EXPECT_TRUE(isReadableAt(lastStamp));
-}
-
-TEST_F(ModemClientQueries, refuseAStampThatHasWrappedAfterJanuary2038) {
-    publishAt(std::numeric_limits<int32_t>::min());
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1));
-    publishAt(std::numeric_limits<int32_t>::min() + 1000);
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1001));
-}
-
-TEST_F(ModemClientQueries, acceptTheLastStampAfterJanuary2038WhileItIsYoungWhereTheClockCanBeRead) {
-    constexpr bool canReadClock = sizeof(time_t) > sizeof(int32_t);
-    publishAt(lastStamp);
-    EXPECT_EQ(isReadableAt(int64_t{lastStamp} + 300), canReadClock);
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 301));
 }
 
 TEST_F(ModemClientQueries, refuseAStaleStateEveryTime) {

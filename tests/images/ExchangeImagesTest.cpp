@@ -36,9 +36,13 @@ std::unique_ptr<RawSegment> restore(const std::string& name) {
     return segment;
 }
 
-template <class Record>
-bool isSame(const Record& left, const Record& right) {
-    return std::memcmp(&left, &right, sizeof(Record)) == 0;
+template <class Reader, class Record>
+void expectRead(const std::string& image, const Record& expected) {
+    const auto segment = restore(image);
+    Reader reader;
+    Record record;
+    ASSERT_TRUE(reader.read(record));
+    EXPECT_EQ(std::memcmp(&record, &expected, sizeof(record)), 0);
 }
 
 class ExchangeImage : public testing::TestWithParam<Image> {};
@@ -82,19 +86,12 @@ TEST(ExchangeImages, theStateIsUnderstoodFieldByField) {
 }
 
 TEST(ExchangeImages, theExtendedStateIsUnderstood) {
-    const auto segment = restore("ModemStateEx.published");
-    SharedMemoryModemStateExtended reader;
-    com_qel::Orvane::Vantric::ModemStateExtended state;
-    ASSERT_TRUE(reader.read(state));
-    EXPECT_TRUE(isSame(state, vantric_test::imageExtendedState()));
+    expectRead<SharedMemoryModemStateExtended>("ModemStateEx.published",
+                                               vantric_test::imageExtendedState());
 }
 
 TEST(ExchangeImages, theListIsUnderstood) {
-    const auto segment = restore("ModemWifiList.published");
-    SharedMemoryWifiList reader;
-    com_qel::Orvane::Vantric::WifiInfosList list;
-    ASSERT_TRUE(reader.read(list));
-    EXPECT_TRUE(isSame(list, vantric_test::imageWifiList()));
+    expectRead<SharedMemoryWifiList>("ModemWifiList.published", vantric_test::imageWifiList());
 }
 
 TEST(ExchangeImages, theFramesOfEveryCommandAreUnderstood) {
