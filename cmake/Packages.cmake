@@ -1,48 +1,70 @@
-# What is installed, in three components, and the Debian package of each.
-#   runtime      the shared library (when there is one) and vantricprobe
-#   development  headers and what to link with
-#   simulator    vantricsim and its scenarios
+# The Debian packages:
+#   libvantric1     the shared library, when there is one
+#   libvantric-dev  headers and what to link with
+#   vantricprobe    the test client, with the manual pages
+#   vantricsim      the simulated server
 
-include(GNUInstallDirs)
-
-install(TARGETS vantric
-    LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
-    ARCHIVE COMPONENT development)
-install(TARGETS vantricprobe RUNTIME COMPONENT runtime)
-install(DIRECTORY CoreMisc Vantric
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
-if(VANTRIC_WITH_SIMULATOR)
-    install(TARGETS vantricsim RUNTIME COMPONENT simulator)
-    install(DIRECTORY sim/scenarios
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/vantric COMPONENT simulator)
-endif()
+# Adds what every package has and an installed tree has not: copyright and changes.
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/AddDocuments.cmake)
+set(CPACK_VANTRIC_DEBIAN_FOLDER ${PROJECT_SOURCE_DIR}/packaging/debian)
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "The vantric team <vantric@localhost>")
+set(CPACK_PACKAGE_CONTACT "The vantric team <team@vantric.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+# Each package has a summary of its own, the first line of its description.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development)
-if(VANTRIC_WITH_SIMULATOR)
-    list(APPEND CPACK_COMPONENTS_ALL simulator)
-endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 endif()
+
 # By name: the tool that finds dependencies knows the cross compiler's copies of the libraries only
 # as packages that no device has.
 set(system_libraries "libc6 (>= 2.36), libgcc-s1 (>= 12), libstdc++6 (>= 12)")
-set(same_version "(= ${PROJECT_VERSION})")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME vantric)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${system_libraries}")
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "Client library of the vantric modem-management server and its test client")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME vantric-dev)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "vantric ${same_version}")
+set(this_library "libvantric${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(program_dependencies "${system_libraries}")
+set(CPACK_COMPONENTS_ALL development vantricprobe)
+
+if(BUILD_SHARED_LIBS)
+    list(APPEND CPACK_COMPONENTS_ALL library)
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libvantric${PROJECT_VERSION_MAJOR})
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "${system_libraries}")
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+    set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "client library of the vantric modem-management server
+Reads the state that the server publishes in shared memory and queues commands
+for it, from C++ and from C.")
+    configure_file(packaging/debian/shlibs.in shlibs @ONLY)
+    set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+        "${PROJECT_BINARY_DIR}/shlibs;${PROJECT_SOURCE_DIR}/packaging/debian/triggers")
+    set(program_dependencies "${this_library}, ${system_libraries}")
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${this_library}")
+endif()
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libvantric-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers and link of the client library of the vantric server")
-set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME vantricsim)
-set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "vantric ${same_version}, ${system_libraries}")
-set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "Simulated vantric server, for tests without a device")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "development files of the client library of the vantric server
+Headers, the link to compile with, and the descriptions that CMake's
+find_package() and pkg-config read.")
+
+set(CPACK_DEBIAN_VANTRICPROBE_PACKAGE_NAME vantricprobe)
+set(CPACK_DEBIAN_VANTRICPROBE_PACKAGE_DEPENDS "${program_dependencies}")
+set(CPACK_DEBIAN_VANTRICPROBE_PACKAGE_SECTION utils)
+set(CPACK_COMPONENT_VANTRICPROBE_DESCRIPTION "test client of the vantric modem-management server
+Shows the modem's state, switches its connectivity, joins and forgets Wi-Fi
+networks, loads configurations, and tells how long each change took.")
+
+if(VANTRIC_WITH_SIMULATOR)
+    list(APPEND CPACK_COMPONENTS_ALL simulator)
+    set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME vantricsim)
+    set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "${program_dependencies}")
+    set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SECTION utils)
+    set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated vantric modem-management server
+Publishes state and takes commands like the real server, healthy or faulty, so
+that clients can be tried and tested without a device.")
+endif()
 include(CPack)

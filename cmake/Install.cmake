@@ -1,0 +1,50 @@
+# What is installed, in three components:
+#   runtime      the shared library (when there is one) and vantricprobe
+#   development  headers, what to link with, and how find_package() and pkg-config find it
+#   simulator    vantricsim and its scenarios
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# install_for(COMPONENT PACKAGE arguments of install() ...)
+#
+# A component may be spread over several Debian packages; what PACKAGE names has a component of its
+# own, which only making the packages looks at.
+macro(install_for component package)
+    install(${ARGN} COMPONENT ${component})
+    if(NOT ${component} STREQUAL ${package})
+        install(${ARGN} COMPONENT ${package} EXCLUDE_FROM_ALL)
+    endif()
+endmacro()
+
+# Headers, archive and the link to develop with belong to one component each; the shared library
+# itself is also that of a package.
+install(TARGETS vantric EXPORT VantricTargets
+    LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
+    FILE_SET HEADERS COMPONENT development)
+install(TARGETS vantric LIBRARY COMPONENT library NAMELINK_SKIP EXCLUDE_FROM_ALL)
+install_for(runtime vantricprobe TARGETS vantricprobe RUNTIME)
+if(VANTRIC_WITH_SIMULATOR)
+    install(TARGETS vantricsim RUNTIME COMPONENT simulator)
+    install(DIRECTORY sim/scenarios
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/vantric COMPONENT simulator)
+endif()
+
+# For consumers that use CMake.
+set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Vantric)
+install(EXPORT VantricTargets NAMESPACE Vantric:: DESTINATION ${config_folder} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VantricConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES packaging/VantricConfig.cmake ${PROJECT_BINARY_DIR}/VantricConfigVersion.cmake
+    DESTINATION ${config_folder} COMPONENT development)
+
+# For all others. The file finds its prefix from where it lies, so that an installed tree can be moved.
+set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefix_from_pkgconfig /${pkgconfig_folder} /)
+# A C compiler must be told of the C++ library inside a static one.
+set(static_libraries "")
+if(NOT BUILD_SHARED_LIBS)
+    set(static_libraries " -lstdc++ -lm -pthread")
+endif()
+configure_file(packaging/vantric.pc.in vantric.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/vantric.pc DESTINATION ${pkgconfig_folder} COMPONENT development)

@@ -1,0 +1,11 @@
+# Run by cpack between installing and packing: each component lies in a folder of its own then.
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER ${component} component_upper)
+    set(folder
+        ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr/share/doc/${CPACK_DEBIAN_${component_upper}_PACKAGE_NAME})
+    file(COPY ${CPACK_VANTRIC_DEBIAN_FOLDER}/copyright DESTINATION ${folder})
+    # "-n": no name and time in the compressed file, so that packages can be made again the same.
+    execute_process(
+        COMMAND gzip -9 -n -c ${CPACK_VANTRIC_DEBIAN_FOLDER}/changelog
+        OUTPUT_FILE ${folder}/changelog.gz COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
