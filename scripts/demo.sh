@@ -13,16 +13,6 @@ prepare() {
     cmake --build --preset release --target vantricprobe vantricsim
 }
 
-# Enters a mount namespace in which /dev/shm is empty and nobody else's.
-enter_private_shared_memory() {
-    local as_other_user=()
-    if [ "$(id -u)" -ne 0 ]; then
-        as_other_user=(--user --map-root-user)
-    fi
-    exec unshare "${as_other_user[@]}" --mount --propagation private \
-        sh -c 'mount -t tmpfs tmpfs /dev/shm && exec bash "$0" --in-private-shared-memory' "scripts/demo.sh"
-}
-
 show() {
     printf '\n$ vantricprobe %s\n' "$*"
     "$programs/vantricprobe" "$@"
@@ -35,25 +25,12 @@ show_for() {
     timeout "$seconds" "$programs/vantricprobe" "$@" || true
 }
 
-# Waits, for at most 10 seconds, until the server has printed a line that matches.
-await_server_line() {
-    local tries
-    for tries in $(seq 200); do
-        if grep -q "$1" "$server_output"; then
-            return
-        fi
-        sleep 0.05
-    done
-    echo "The simulated server never printed $1" >&2
-    exit 1
-}
-
 start_server() {
     server_output=$(mktemp)
     "$programs/vantricsim" > "$server_output" &
     server=$!
     trap 'kill "$server" 2> /dev/null || true; rm -f "$server_output"' EXIT
-    await_server_line '^ready$'
+    await_line "$server_output" '^ready$'
 }
 
 show_every_command() {
@@ -75,7 +52,7 @@ show_every_command() {
     show --forgetwifi
 
     say "What the server received"
-    await_server_line 'frame 8 .* "0,0"$'
+    await_line "$server_output" 'frame 8 .* "0,0"$'
     cat "$server_output"
 }
 
@@ -83,5 +60,5 @@ if [ "${1:-}" = --in-private-shared-memory ]; then
     show_every_command
 else
     prepare
-    enter_private_shared_memory
+    in_private_shared_memory /dev/shm scripts/demo.sh --in-private-shared-memory
 fi

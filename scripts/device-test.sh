@@ -25,10 +25,8 @@ scripts/install-packages.sh
 say "Building (armhf)"
 cmake --preset armhf --log-level=WARNING
 cmake --build --preset armhf
-cmake --preset armhf-release -B build/armhf-packages -DBUILD_SHARED_LIBS=ON --log-level=WARNING
-cmake --build build/armhf-packages
 rm -f build/armhf-packages/*.deb
-(cd build/armhf-packages && cpack > cpack.log) || { cat build/armhf-packages/cpack.log; exit 1; }
+cmake --workflow --preset armhf-packages
 
 # apt for the device's architecture, with a state of its own: this machine's packages stay as they are.
 device_apt() {
@@ -54,6 +52,14 @@ fetch_packages() {
     touch "$packages/complete"
 }
 
+# What dpkg notes about a package's files, under the name that it expects.
+list_files() {
+    local name
+    name=$(dpkg-deb --field "$1" Package)
+    [ "$(dpkg-deb --field "$1" Multi-Arch)" != same ] || name+=:armhf
+    dpkg-deb --fsys-tarfile "$1" | tar -t | sed -e 's|^\.||' -e 's|/$||' -e 's|^$|/.|' > "$root/var/lib/dpkg/info/$name.list"
+}
+
 # A root folder as if the packages had been installed: what is in them, and dpkg's word that they are.
 make_root() {
     rm -rf "$root"
@@ -64,6 +70,7 @@ make_root() {
             linux-image-*) dpkg-deb --fsys-tarfile "$package" | tar -x -C "$device" --wildcards --strip-components=2 './boot/vmlinuz-*' ;;
             *)
                 dpkg-deb --extract "$package" "$root"
+                list_files "$package"
                 dpkg-deb --field "$package" | sed '/^Package:/a Status: install ok installed'
                 echo
                 ;;
@@ -73,7 +80,7 @@ make_root() {
     printf 'root:x:0:0:root:/root:/bin/bash\nnobody:x:65534:65534::/:/bin/false\n' > "$root/etc/passwd"
     ln -sf bash "$root/bin/sh"
     rm -rf "$root"/usr/share/{doc,man,locale,info}
-    cp build/armhf-packages/vantric_*.deb build/armhf-packages/vantricsim_*.deb "$root/packages"
+    cp build/armhf-packages/{libvantric1,vantricprobe,vantricsim}_*.deb "$root/packages"
     cp scripts/device/init "$root/init"
 }
 
@@ -84,7 +91,7 @@ add_tests() {
     local target=$root$source
     mkdir -p "$target/$tests/bin"
     (cd "$tests" && find . \( -name '*.cmake' -o \( -type f -perm -u+x -not -name '*.cmake' \) -o -name '*.so' \) \
-        -not -path '*/CMakeFiles/*' -not -path './lib/*' -print0 | cpio --quiet --null -pdm "$target/$tests")
+        -not -path '*/CMakeFiles/*' -not -path './lib/*' -not -path './tests/install/*/*' -print0 | cpio --quiet --null -pdm "$target/$tests")
     find "$target/$tests" -type f -not -name '*.cmake' -exec arm-linux-gnueabihf-strip {} +
     find "$target/$tests" -name '*.cmake' -exec sed -i -e "s|/usr/bin/qemu-arm\" \"-L\" \"/usr/arm-linux-gnueabihf\" \"||; s|/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf ||; /EmulatorExceptions/d" {} +
     ln -sf /usr/bin/vantricprobe /usr/bin/vantricsim "$target/$tests/bin"

@@ -1,0 +1,129 @@
+#!/usr/bin/env bash
+# Makes the Debian packages for both architectures and examines them: lintian for all; those of this
+# machine are installed into an empty root folder, used there, built against, and removed without a
+# trace.
+#
+# Usage: scripts/package-check.sh
+source "$(dirname "$0")/common.sh"
+show_help_and_exit_on_demand "$@"
+
+work=$PWD/build/package-check
+root=$work/root
+multiarch=$(gcc -dumpmachine)
+# What the packages depend on, taken over from this machine.
+dependencies=(libc6 libgcc-s1 libstdc++6)
+
+make_packages() {
+    rm -f "build/$1"/*.deb
+    cmake --workflow --preset "$1" > "$work/$1.log" 2>&1 || { cat "$work/$1.log"; exit 1; }
+    (cd "build/$1" && ls -- *.deb)
+}
+
+make_root() {
+    mkdir -p "$root"/{dev/shm,tmp,usr/{lib,lib64}} "$root"/var/lib/dpkg/{info,updates,triggers}
+    ln -s usr/lib usr/lib64 "$root"
+    local package file
+    for package in "${dependencies[@]}"; do
+        dpkg --status "$package"
+        echo
+        cp "/var/lib/dpkg/info/$package:$(dpkg --print-architecture).list" "$root/var/lib/dpkg/info"
+        dpkg --listfiles "$package" | while read -r file; do
+            [ ! -e "$file" ] || echo "${file#/}"
+        done | grep . | tar -c -C / --no-recursion -T - | tar -x -C "$root" --keep-directory-symlink
+    done > "$root/var/lib/dpkg/status"
+}
+
+in_root() {
+    dpkg --root="$root" --log=/dev/null "$@"
+}
+
+files_of_root() {
+    (cd "$root" && find . -path ./var/lib/dpkg -prune -o -print | LC_ALL=C sort)
+}
+
+start_simulator() {
+    "$@" --duration 60 > "$work/simulator.log" &
+    simulator=$!
+    await_line "$work/simulator.log" '^ready$'
+}
+
+stop_simulator() {
+    kill "$simulator"
+    wait "$simulator"
+}
+
+use_installed_programs() {
+    start_simulator chroot "$root" /usr/bin/vantricsim
+    chroot "$root" /usr/bin/vantricprobe --enablewifi --availablewifi
+    await_line "$work/simulator.log" 'frame 10 '
+    stop_simulator
+    echo "The server received:"
+    cat "$work/simulator.log"
+}
+
+# The linker finds the library where it was installed; so do the programs.
+build_examples() {
+    local library=$root/usr/lib/$multiarch
+    cmake -S examples -B "$work/find_package" -DCMAKE_PREFIX_PATH="$root/usr" > /dev/null
+    cmake --build "$work/find_package" > /dev/null
+    mkdir "$work/pkg_config"
+    PKG_CONFIG_PATH=$library/pkgconfig make -C examples BUILD="$work/pkg_config" \
+        LDFLAGS="-Wl,-rpath,$library" > /dev/null
+}
+
+run_examples() {
+    local way server
+    for way in find_package pkg_config; do
+        echo "-- built with $way"
+        start_simulator build/packages/bin/vantricsim
+        "$work/$way/print_status"
+        "$work/$way/join_strongest"
+        stop_simulator
+        "$work/$way/serve_state" > "$work/server.log" &
+        server=$!
+        await_line "$work/server.log" '^published: home$'
+        build/packages/bin/vantricprobe --setwifi bench
+        wait "$server"
+        cat "$work/server.log"
+    done
+}
+
+# Steps that need a /dev/shm of their own are run in one by this script itself.
+if [ "${1:-}" = --step ]; then
+    "$2"
+    exit
+fi
+
+scripts/install-packages.sh
+rm -rf "$work"
+mkdir -p "$work"
+say "Making packages"
+make_packages packages
+make_packages armhf-packages
+
+say "lintian"
+lintian --allow-root --tag-display-limit 0 --fail-on error,warning build/packages/*.deb build/armhf-packages/*.deb
+echo "no error, no warning"
+
+say "Installing"
+make_root
+files_of_root > "$work/before.txt"
+in_root --install build/packages/*.deb
+files_of_root > "$work/installed.txt"
+echo "Files:"
+comm -13 "$work/before.txt" "$work/installed.txt" | while read -r file; do
+    [ -d "$root/$file" ] || echo "${file#.}"
+done
+
+say "Using the installed programs"
+in_private_shared_memory "$root/dev/shm" scripts/package-check.sh --step use_installed_programs
+
+say "Building and running the examples against the installed packages"
+build_examples
+in_private_shared_memory /dev/shm scripts/package-check.sh --step run_examples
+
+say "Removing"
+in_root --purge vantricsim vantricprobe libvantric-dev libvantric1
+files_of_root > "$work/after.txt"
+diff "$work/before.txt" "$work/after.txt"
+echo "nothing is left"
