@@ -1,7 +1,7 @@
 # What is installed, in three components:
-#   runtime      the shared library (when there is one) and vantricprobe
+#   runtime      the shared library (when there is one), vantricprobe, manual pages
 #   development  headers, what to link with, and how find_package() and pkg-config find it
-#   simulator    vantricsim and its scenarios
+#   simulator    vantricsim, its scenarios and its manual page
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -30,6 +30,7 @@ if(VANTRIC_WITH_SIMULATOR)
     install(DIRECTORY sim/scenarios
         DESTINATION ${CMAKE_INSTALL_DATADIR}/vantric COMPONENT simulator)
 endif()
+add_subdirectory(packaging)
 
 # For consumers that use CMake.
 set(config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Vantric)

@@ -4,7 +4,6 @@
 #   vantricprobe    the test client, with the manual pages
 #   vantricsim      the simulated server
 
-# Adds what every package has and an installed tree has not: copyright and changes.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/AddDocuments.cmake)
 set(CPACK_VANTRIC_DEBIAN_FOLDER ${PROJECT_SOURCE_DIR}/packaging/debian)
 
