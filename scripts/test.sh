@@ -2,7 +2,7 @@
 # Installs what is missing, builds everything and runs all tests.
 #
 # Usage: scripts/test.sh [PRESET]
-#   PRESET  dev (default), asan-ubsan, coverage or armhf
+#   PRESET  dev (default), asan-ubsan, coverage, armhf or bench
 source "$(dirname "$0")/common.sh"
 show_help_and_exit_on_demand "$@"
 preset=${1:-dev}

@@ -1,0 +1,33 @@
+// An existing shared-memory object and its contents lock, opened by hand. What the floors stand on:
+// the system's own calls, nothing in between.
+#pragma once
+
+#include <semaphore.h>
+
+#include <cstddef>
+#include <string>
+
+namespace vantric_bench {
+
+class SharedObject {
+  public:
+    // Throws std::runtime_error when the object or its lock does not exist.
+    explicit SharedObject(const std::string& name);
+    ~SharedObject();
+
+    SharedObject(const SharedObject&) = delete;
+    SharedObject& operator=(const SharedObject&) = delete;
+
+    // What lies behind the attach count.
+    void* payload() const { return static_cast<unsigned char*>(address_) + attachCountSize; }
+    sem_t* semaphore() const { return semaphore_; }
+
+  private:
+    static constexpr std::size_t attachCountSize = 4;
+
+    void* address_ = nullptr;
+    std::size_t length_ = 0;
+    sem_t* semaphore_ = nullptr;
+};
+
+}  // namespace vantric_bench
