@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "Vantric/StateReader.h"
-#include "bench/driver/InstantSleep.h"
 #include "bench/driver/Operations.h"
 #include "bench/driver/Repetition.h"
 #include "bench/floors/RecordFloor.h"
 #include "bench/support/Exchange.h"
+#include "bench/support/InstantSleep.h"
 
 namespace vantric_bench {
 

@@ -1,4 +1,4 @@
-#include "bench/driver/InstantSleep.h"
+#include "bench/support/InstantSleep.h"
 
 #include <time.h>
 
