@@ -164,7 +164,7 @@ bool ModemClient::setConnectivityType(int32_t type) {
 
 bool ModemClient::getWifiSSID(std::string& ssid) {
     return succeeds([&] {
-        ssid = fieldText(implementation_->readModemState().wifiSsid);
+        ssid = fieldView(implementation_->readModemState().wifiSsid);
         return true;
     });
 }
@@ -208,7 +208,7 @@ bool ModemClient::getModemStatusBlocking(ModemStatus& status, uint32_t timeoutSe
 
 bool ModemClient::getWifiPasswordAndEncryptionType(int32_t& encryptionType, std::string& password) {
     try {
-        password = fieldText(implementation_->readModemState().wifiPassword);
+        password = fieldView(implementation_->readModemState().wifiPassword);
         encryptionType = implementation_->readModemState().wifiEncryptionType;
         return true;
     } catch (const std::exception& error) {
@@ -245,7 +245,7 @@ bool ModemClient::setWifiConnectionRadius(const std::string& ssid, const int32_t
 
 bool ModemClient::getHostname(std::string& hostname) {
     try {
-        hostname = fieldText(implementation_->readModemState().hostname);
+        hostname = fieldView(implementation_->readModemState().hostname);
         return true;
     } catch (const std::exception& error) {
         logError(__LINE__, "Failed to get modem Hostname, error: ", error);
@@ -259,7 +259,7 @@ bool ModemClient::setConfig(const std::string& configFilename) {
 
 bool ModemClient::getWifiConnectionState(std::string& state) {
     return succeeds([&] {
-        state = fieldText(implementation_->readModemState().wifiConnectionState);
+        state = fieldView(implementation_->readModemState().wifiConnectionState);
         return true;
     });
 }

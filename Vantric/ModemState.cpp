@@ -28,10 +28,14 @@ const char* nameOf(int32_t value, const char* const (&names)[count], const char*
 
 // Copies `text` and its NUL; what lies behind stays as it is.
 template <std::size_t size>
-void copyText(char (&field)[size], const std::string& text) {
+void copyText(char (&field)[size], std::string_view text) {
     const std::size_t length = std::min(text.size(), size - 1);
     std::memcpy(field, text.data(), length);
     field[length] = '\0';
+}
+
+const char* nameOfEncryption(int32_t type) {
+    return nameOf(type, encryptionTypeNames, "Unknown encryption type");
 }
 
 }  // namespace
@@ -41,14 +45,14 @@ std::string connectivityTypeName(int32_t type) {
 }
 
 std::string encryptionTypeName(int32_t type) {
-    return nameOf(type, encryptionTypeNames, "Unknown encryption type");
+    return nameOfEncryption(type);
 }
 
 WifiInfo makeWifiInfo(const WifiListEntry& entry) {
     WifiInfo info = {};
-    copyText(info.ssid, fieldText(entry.ssid));
+    copyText(info.ssid, fieldView(entry.ssid));
     info.encryptionType = entry.encryptionType;
-    copyText(info.encryptionName, encryptionTypeName(entry.encryptionType));
+    copyText(info.encryptionName, nameOfEncryption(entry.encryptionType));
     info.signalLevel = entry.signalLevel;
     return info;
 }
@@ -56,7 +60,7 @@ WifiInfo makeWifiInfo(const WifiListEntry& entry) {
 ModemStatus makeModemStatus(const ModemStateExtended& state) {
     ModemStatus status;
     std::memcpy(&status, &state, sizeof(status));
-    copyText(status.wifiEncryptionName, encryptionTypeName(state.wifiEncryptionType));
+    copyText(status.wifiEncryptionName, nameOfEncryption(state.wifiEncryptionType));
     return status;
 }
 

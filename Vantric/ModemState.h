@@ -7,9 +7,12 @@
 // value.
 #pragma once
 
+#include <string.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "Vantric/ClientRecords.h"
@@ -83,14 +86,16 @@ std::string connectivityTypeName(int32_t type);
 std::string encryptionTypeName(int32_t type);
 
 // The text of a fixed-size field that another process wrote: up to its NUL, or else the whole
-// field.
+// field. Valid as long as the field.
+template <std::size_t size>
+std::string_view fieldView(const char (&field)[size]) {
+    return std::string_view(field, strnlen(field, size));
+}
+
+// The same as a text of its own.
 template <std::size_t size>
 std::string fieldText(const char (&field)[size]) {
-    std::size_t length = 0;
-    while (length < size && field[length] != '\0') {
-        ++length;
-    }
-    return std::string(field, length);
+    return std::string(fieldView(field));
 }
 
 // The client-side record of one list entry; bytes behind its texts are zero.

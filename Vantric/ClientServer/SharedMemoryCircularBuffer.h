@@ -13,7 +13,6 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <mutex>
 #include <string>
 #include <type_traits>
@@ -91,9 +90,11 @@ class SharedMemoryCircularBuffer {
             return false;
         }
         const uint32_t untilEnd = std::min(header.capacity - header.writeIndex, count);
-        std::memcpy(memory.data + header.writeIndex, elements, untilEnd * sizeof(T));
-        std::memcpy(memory.data, elements + untilEnd, (count - untilEnd) * sizeof(T));
-        const uint32_t writeIndex = (header.writeIndex + count) % header.capacity;
+        std::copy_n(elements, untilEnd, memory.data + header.writeIndex);
+        if (count > untilEnd) {
+            std::copy_n(elements + untilEnd, count - untilEnd, memory.data);
+        }
+        const uint32_t writeIndex = indexBehind(header.writeIndex, count, header.capacity);
         memory.writeIndex = writeIndex;
         memory.empty = 0;
         memory.full = writeIndex == header.readIndex ? 1 : 0;
@@ -115,9 +116,11 @@ class SharedMemoryCircularBuffer {
             return false;
         }
         const uint32_t untilEnd = std::min(header.capacity - header.readIndex, count);
-        std::memcpy(elements, memory.data + header.readIndex, untilEnd * sizeof(T));
-        std::memcpy(elements + untilEnd, memory.data, (count - untilEnd) * sizeof(T));
-        const uint32_t readIndex = (header.readIndex + count) % header.capacity;
+        std::copy_n(memory.data + header.readIndex, untilEnd, elements);
+        if (count > untilEnd) {
+            std::copy_n(memory.data, count - untilEnd, elements + untilEnd);
+        }
+        const uint32_t readIndex = indexBehind(header.readIndex, count, header.capacity);
         memory.readIndex = readIndex;
         memory.full = 0;
         memory.empty = readIndex == header.writeIndex ? 1 : 0;
@@ -163,6 +166,12 @@ class SharedMemoryCircularBuffer {
         return header.writeIndex <= header.readIndex
                    ? header.readIndex - header.writeIndex
                    : header.capacity - (header.writeIndex - header.readIndex);
+    }
+
+    // `index` lies in the ring and `count` is at most the capacity: one turn brings it back.
+    static uint32_t indexBehind(uint32_t index, uint32_t count, uint32_t capacity) {
+        const uint32_t untilEnd = capacity - index;
+        return count < untilEnd ? index + count : count - untilEnd;
     }
 
     Accessor accessor_;

@@ -1,5 +1,6 @@
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "CoreMisc/src/VyLog.h"
@@ -57,9 +58,7 @@ bool SharedMemoryModemCommands::enqueue(uint32_t command, const void* payload, u
     const uint32_t frameSize = static_cast<uint32_t>(sizeof(header)) + size;
     const std::unique_ptr<unsigned char[]> frame(new unsigned char[frameSize]);
     std::memcpy(frame.get(), &header, sizeof(header));
-    if (size != 0) {
-        std::memcpy(frame.get() + sizeof(header), payload, size);
-    }
+    std::copy_n(static_cast<const unsigned char*>(payload), size, frame.get() + sizeof(header));
     implementation_->ring.write(frame.get(), frameSize);
     return true;
 }
