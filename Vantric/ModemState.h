@@ -22,54 +22,61 @@ namespace com_qel::Orvane::Vantric {
 using ::ModemStatus;
 using ::WifiInfo;
 
+// What connects the device to the outside.
 enum class ConnectivityType : int32_t {
-    None = 0,
-    Wifi = 1,
-    Carrier = 2,
+    None = 0,     // shown as "None"
+    Wifi = 1,     // shown as "Wifi"
+    Carrier = 2,  // the cellular link, shown as "Carrier"
 };
 
-// The Enterprise types authenticate against a RADIUS server and need a user name.
+// How a wifi network is secured. The Enterprise types authenticate against a RADIUS server and need
+// a user name.
 enum class EncryptionType : int32_t {
-    None = 0,
-    WpaPsk = 1,
-    Wpa2Psk = 2,
-    WpaWpa2Psk = 3,
-    WpaEnterprise = 4,
-    Wpa2Enterprise = 5,
-    WpaWpa2Enterprise = 6,
+    None = 0,               // shown as "None"
+    WpaPsk = 1,             // shown as "WPA(PSK)"
+    Wpa2Psk = 2,            // shown as "WPA2 (PSK)"
+    WpaWpa2Psk = 3,         // shown as "WPA+WPA2 (PSK)"
+    WpaEnterprise = 4,      // shown as "WPA Enterprise (RADIUS)"
+    Wpa2Enterprise = 5,     // shown as "WPA2 Enterprise (RADIUS)"
+    WpaWpa2Enterprise = 6,  // shown as "WPA+WPA2 Enterprise (RADIUS)"
 };
 
 #pragma pack(push, 1)
 
+// The basic state, which the server writes all the time. The one record with an age.
 struct ModemState {
-    int32_t timestamp;  // seconds since the epoch, at the server's last write
-    int32_t connectivityType;
-    char wifiSsid[33];
-    char wifiPassword[32];
-    int32_t wifiEncryptionType;
-    char hostname[32];
+    int32_t timestamp;             // seconds since the epoch, at the server's last write
+    int32_t connectivityType;      // a ConnectivityType value
+    char wifiSsid[33];             // name of the configured network
+    char wifiPassword[32];         // its pass phrase, in clear text
+    int32_t wifiEncryptionType;    // an EncryptionType value
+    char hostname[32];             // the modem's
     char wifiConnectionState[32];  // "N/A" while there is no connection
 };
 
+// The extended state, which the server refreshes on request.
 struct ModemStateExtended {
-    int32_t serverWord;  // the server's own; never read by a client
-    int32_t carrierSignalLevel;
-    char wifiSsid[36];
-    int32_t wifiEncryptionType;
+    int32_t serverWord;           // the server's own; never read by a client
+    int32_t carrierSignalLevel;   // of the cellular link; the unit is the server's
+    char wifiSsid[36];            // name of the wifi network
+    int32_t wifiEncryptionType;   // an EncryptionType value
     char wifiEncryptionName[64];  // not trusted: clients derive the name from the type
-    int32_t wifiSignalLevel;
-    char ipv4Address[16];
-    char macAddress[20];
-    int32_t updateCounter;  // changes with every refresh; compare for inequality only
+    int32_t wifiSignalLevel;      // of the wifi link; the unit is the server's
+    char ipv4Address[16];         // dotted decimal text
+    char macAddress[20];          // text
+    int32_t updateCounter;        // changes with every refresh; compare for inequality only
 };
 
+// One network in range.
 struct WifiListEntry {
-    char ssid[33];
-    int32_t encryptionType;
-    int32_t signalLevel;  // larger is stronger
+    char ssid[33];           // its name
+    int32_t encryptionType;  // an EncryptionType value
+    int32_t signalLevel;     // larger is stronger; the unit is the server's
 };
 
+// The networks that the last scan found.
 struct WifiInfosList {
+    // A server never publishes more; readers do not rely on it.
     static constexpr int32_t maximumCount = 100;
 
     WifiListEntry entries[maximumCount];  // the first `count` are meaningful

@@ -1,6 +1,7 @@
 // Reads one state segment for the client and decides which failures count.
 //
-// Internal to the client library.
+// Internal to the client library. Ownership: owns the segment between connect() and disconnect().
+// Thread-safety: none. Process-safety: as the segment's read().
 #pragma once
 
 #include <memory>
@@ -15,6 +16,7 @@ namespace com_qel::Orvane::Vantric {
 template <class T>
 class StateReader {
   public:
+    // Where the record comes from.
     using Segment = ClientServer::SharedMemoryLayout<T, ClientServer::SharedMemoryProvider>;
 
     // The texts of the errors that read() throws; static lifetime.
@@ -25,11 +27,13 @@ class StateReader {
     // segment in use never falls to zero in between.
     void connect(std::unique_ptr<Segment> segment) { segment_ = std::move(segment); }
 
+    // Hands the segment back to the caller; null when there is none.
     std::unique_ptr<Segment> disconnect() { return std::move(segment_); }
 
     // Copies the published record and hands it to `check`, which throws if the copy is not to be
-    // used. An invalid segment throws std::runtime_error the first time only: until `check` accepts
-    // a copy again, `record` is then all zero and counts as read.
+    // used; what it throws is passed on. Throws std::runtime_error, with `record` untouched, while
+    // not connected. An invalid segment leaves `record` all zero and throws std::runtime_error the
+    // first time only: until `check` accepts a copy again, the zeros count as read.
     template <class Check>
     void read(T& record, Check check) {
         if (segment_ == nullptr) {
@@ -46,6 +50,7 @@ class StateReader {
         }
     }
 
+    // The same for records that need no check.
     void read(T& record) {
         read(record, [](const T&) {});
     }

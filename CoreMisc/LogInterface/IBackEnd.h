@@ -12,8 +12,8 @@ class IBackEnd {
     IBackEnd(const IBackEnd&) = delete;
     IBackEnd& operator=(const IBackEnd&) = delete;
 
-    // `line` is NUL-terminated, lacks its closing newline and is not kept. A line that cannot be
-    // written is lost without a report.
+    // Writes one line. `line` is NUL-terminated, lacks its closing newline and is not kept. A line
+    // that cannot be written is lost without a report.
     virtual void Write(const char* line) = 0;
 
   protected:

@@ -13,7 +13,8 @@ class ISink {
     ISink(const ISink&) = delete;
     ISink& operator=(const ISink&) = delete;
 
-    // `text` is the NUL-terminated record text and is not kept.
+    // Takes one record. `severity` may have any value. `text` is the record's text without
+    // time stamp and severity, NUL-terminated, and is not kept.
     virtual void Write(Severity severity, const char* text) = 0;
 
   protected:

@@ -22,12 +22,12 @@ class ISink;
 // The logger's scale. Values above SeverityFatal may arrive through casts; LevelName() names them
 // "unknown".
 enum Severity : uint32_t {
-    SeverityTrace = 0,
-    SeverityDebug = 1,
-    SeverityInfo = 2,
-    SeverityWarning = 3,
-    SeverityError = 4,
-    SeverityFatal = 5,
+    SeverityTrace = 0,    // "trace"
+    SeverityDebug = 1,    // "debug"; a threshold, no VyLog record has it
+    SeverityInfo = 2,     // "info"
+    SeverityWarning = 3,  // "warning"
+    SeverityError = 4,    // "error"
+    SeverityFatal = 5,    // "fatal"; a threshold that no VyLog record reaches
 };
 
 // The lower-case name of `severity`; a string with static lifetime.
@@ -54,12 +54,15 @@ class Logger {
     // Records below this severity are not to be dispatched. The caller compares: see Dispatch().
     Severity Threshold() const { return threshold_; }
 
-    // Hands `text` to every sink in the order in which they were added. Filters nothing.
+    // Hands `text`, NUL-terminated, to every sink in the order in which they were added. Filters
+    // nothing. What a sink throws is passed on, and the sinks behind it get nothing.
     void Dispatch(Severity severity, const char* text);
 
-    // Adds the sink that the VRAX_LOG_* variables of the environment ask for and sets the
-    // threshold. `name` is the log file's name unless the environment holds another. Never reports
-    // an unusable setting or a file that cannot be opened; such lines are lost.
+    // Adds the sink that the environment asks for, as LogConfig tells, and sets the threshold. The
+    // defaults are SeverityFatal, the console, "./", `name` and 5000 bytes. The file's path is the
+    // directory joined with the name; an absolute name stands alone. Never reports an unusable
+    // setting or a file that cannot be opened; such lines are lost. Sinks are added, never removed:
+    // a second call doubles every line. Throws std::bad_alloc when memory runs out.
     void ConfigureFromEnvironment(const std::string& name, Formatter formatter);
 
     // Adds a text file sink on `directory`/`name`.log, truncating an older file, or a console sink

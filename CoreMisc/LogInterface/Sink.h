@@ -14,10 +14,11 @@ namespace com_qel::Korvel::LogInterface {
 
 class Sink final : public ISink {
   public:
-    // Neither argument may be null.
+    // A sink for one back-end. Neither argument may be null.
     Sink(Formatter formatter, IBackEnd* backEnd);
 
-    // Throws std::system_error when the mutex cannot be locked, and what the formatter throws.
+    // Writes one line. Throws std::system_error when the mutex cannot be locked, and what the
+    // formatter throws.
     void Write(Severity severity, const char* text) override;
 
   private:

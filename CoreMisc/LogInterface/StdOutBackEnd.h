@@ -2,6 +2,7 @@
 //
 // It shares the C stream `stdout` with the program's own output, so the two keep their order, and
 // relies on that stream's flushing.
+// Ownership and thread-safety: as IBackEnd.
 #pragma once
 
 #include "CoreMisc/LogInterface/IBackEnd.h"

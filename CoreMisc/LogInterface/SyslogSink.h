@@ -10,7 +10,9 @@ namespace com_qel::Korvel::LogInterface {
 
 class SyslogSink final : public ISink {
   public:
-    // Never interprets "%" in `text`. A value that is no severity is logged as LOG_INFO.
+    // Logs trace and debug as LOG_DEBUG, info as LOG_INFO, warning as LOG_WARNING, error as
+    // LOG_ERR, fatal as LOG_CRIT, and a value that is no severity as LOG_INFO. Never interprets "%"
+    // in `text`.
     void Write(Severity severity, const char* text) override;
 };
 

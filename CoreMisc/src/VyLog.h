@@ -19,8 +19,16 @@ namespace com_qel {
 
 class VyLog {
   public:
-    enum Level : uint32_t { Error = 0, Warning = 1, Info = 2, Trace = 3 };
+    // How grave a record is, with the logger's severity for it.
+    enum Level : uint32_t {
+        Error = 0,    // SeverityError
+        Warning = 1,  // SeverityWarning
+        Info = 2,     // SeverityInfo
+        Trace = 3     // SeverityTrace
+    };
 
+    // Begins a record with its header: level, file, line and trace category.
+    //
     // `file` is a source path with static lifetime, of which the record shows the base name; null
     // shows "UNKNOWN". `category` is 0 for ordinary records and the trace category's bit for trace
     // records. A level outside the enumeration shows as "UNKNOWN" and counts as trace.
@@ -36,8 +44,10 @@ class VyLog {
     // Where the message goes. After a trace record's header the stream is left-adjusted.
     std::ostream& stream() { return stream_; }
 
-    // The trace categories to be written, one bit each; 0 at start.
+    // The trace categories to be written, one bit each; 0 at start. The caller compares.
     static uint64_t TraceMask();
+
+    // Replaces all of the trace categories.
     static void SetTraceMask(uint64_t mask);
 
     // Whether record headers show file and line; true at start.

@@ -1,7 +1,8 @@
 // A POSIX mutex (normal, non-recursive, private to the process) that reports failures through the
 // log and turns POSIX results into a small result code.
 //
-// As thread-safe as the POSIX mutex it wraps. Nothing throws.
+// As thread-safe as the POSIX mutex it wraps. Nothing throws. Failures are Error records; every
+// operation also writes a trace record when the trace mask has category 2.
 #pragma once
 
 #include <pthread.h>
@@ -11,12 +12,15 @@ namespace com_qel::utils {
 class Mutex {
   public:
     // Results of Lock() and Unlock() other than 0, success.
-    enum : int { ERR_BUSY = 1, ERR_UNKNOWN = 2 };
+    enum : int {
+        ERR_BUSY = 1,    // Lock() only: the system said EBUSY
+        ERR_UNKNOWN = 2  // any other failure
+    };
 
-    // A failed initialisation is logged only.
+    // A free mutex. A failed initialisation is logged only.
     Mutex();
 
-    // A mutex that cannot be destroyed (it is held) is logged only.
+    // Destroys the mutex. One that cannot be destroyed (it is held) is logged only.
     virtual ~Mutex();
 
     Mutex(const Mutex&) = delete;
@@ -25,7 +29,7 @@ class Mutex {
     // Blocks until the mutex is held: 0, ERR_BUSY for EBUSY, ERR_UNKNOWN for any other failure.
     int Lock();
 
-    // 0, or ERR_UNKNOWN for any failure, EBUSY included.
+    // Releases the mutex: 0, or ERR_UNKNOWN for any failure, EBUSY included.
     int Unlock();
 
   private:

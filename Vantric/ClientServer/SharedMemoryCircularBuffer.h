@@ -28,22 +28,24 @@ class SharedMemoryCircularBuffer {
     static_assert(N > 0 && N <= UINT32_MAX);
 
   public:
+    // The image in shared memory, behind the object's attach count. Every user writes there.
     struct Memory {
         uint32_t initialized;  // 1 when the ring is set up, anything else when not
-        uint32_t producers;    // attached
-        uint32_t consumers;    // attached
+        uint32_t producers;    // attached, those included that died without detaching
+        uint32_t consumers;    // attached, those included that died without detaching
         uint32_t readIndex;    // of the next element to read
         uint32_t writeIndex;   // of the next element to write
         uint32_t capacity;     // elements; N after set-up
         uint8_t full;          // 1 when equal indices mean a full ring
         uint8_t empty;         // 1 when equal indices mean an empty ring
-        T data[N];
+        T data[N];             // the elements
     };
 
+    // The segment and the lock of its contents.
     using Accessor = SharedMemoryDirectAccessor<Memory, SharedMemoryProvider>;
 
-    // Attaches to the ring `name` as consumer or as producer. Passes on what
-    // SharedMemoryProvider::map() throws.
+    // Attaches to the ring `name` as consumer or as producer, creating the object when it is
+    // missing. Passes on what SharedMemoryProvider::map() throws.
     SharedMemoryCircularBuffer(const std::string& name, bool consumer)
         : accessor_(name), consumer_(consumer) {
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
@@ -63,6 +65,7 @@ class SharedMemoryCircularBuffer {
         ++memory.producers;
     }
 
+    // Detaches; what is in the ring stays there.
     virtual ~SharedMemoryCircularBuffer() {
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
         Memory& memory = *accessor_.memory();
@@ -127,7 +130,8 @@ class SharedMemoryCircularBuffer {
         return true;
     }
 
-    // The segment itself, for owners that need more than runs of elements.
+    // The segment itself, for owners that need more than runs of elements; lives as long as the
+    // ring.
     Accessor& accessor() { return accessor_; }
 
   private:

@@ -20,8 +20,8 @@ class SharedMemoryDirectAccessor {
     static_assert(std::is_trivially_copyable_v<M>, "other processes share the bytes of M");
 
   public:
-    // Maps the segment `name`; the lock is named after it plus "Lock". Passes on what
-    // Provider::map() throws.
+    // Maps the segment `name` with room for one M, which must not need more than 4-byte alignment;
+    // the lock is named after the segment plus "Lock". Passes on what Provider::map() throws.
     explicit SharedMemoryDirectAccessor(const std::string& name) : lock_(name + "Lock") {
         memory_ = static_cast<M*>(provider_.map(static_cast<uint32_t>(sizeof(M)), name));
     }
@@ -31,7 +31,10 @@ class SharedMemoryDirectAccessor {
     SharedMemoryDirectAccessor(const SharedMemoryDirectAccessor&) = delete;
     SharedMemoryDirectAccessor& operator=(const SharedMemoryDirectAccessor&) = delete;
 
+    // What is mapped; never null.
     M* memory() { return memory_; }
+
+    // The lock of the contents.
     MultiProcessLock& lock() { return lock_; }
 
   private:

@@ -1,7 +1,8 @@
 // One state segment: a record behind a header that says which layout it has and whether it is
 // valid.
 //
-// The server publishes, clients read. A copy is never torn: both sides hold the contents lock.
+// The server publishes, clients read. A copy is never torn: both sides hold the contents lock, for
+// which they wait without a time limit.
 // Ownership: owns its mapping; nothing refers to the segment once the object is gone.
 // Thread-safety: none, an object belongs to one thread. Process-safety: read() and publish() take
 // the contents lock for the header and one fixed-size copy only.
@@ -22,11 +23,13 @@ template <class T, class Provider>
 class SharedMemoryLayout {
   public:
 #pragma pack(push, 1)
+    // The image in shared memory, behind the object's attach count. The server writes it; a new
+    // segment is all zero.
     struct Layout {
-        uint32_t version;  // of the layout; written by the server
-        uint8_t valid;     // 1 when a record has been published, anything else when not
-        uint8_t reserved[3];
-        T record;
+        uint32_t version;     // of the layout
+        uint8_t valid;        // 1 when a record has been published, anything else when not
+        uint8_t reserved[3];  // never touched by a client
+        T record;             // what is published
     };
 #pragma pack(pop)
 
@@ -37,6 +40,7 @@ class SharedMemoryLayout {
     static_assert(offsetof(Layout, record) == 8);
     static_assert(sizeof(Layout) == 8 + sizeof(T));
 
+    // The segment and the lock of its contents.
     using Accessor = SharedMemoryDirectAccessor<Layout, Provider>;
 
     // Maps the segment `name`, creating it when it is missing. `version` is the one layout version
@@ -49,6 +53,8 @@ class SharedMemoryLayout {
     SharedMemoryLayout(const SharedMemoryLayout&) = delete;
     SharedMemoryLayout& operator=(const SharedMemoryLayout&) = delete;
 
+    // Whether a record of the layout `version` may be read: it must be this object's own. read()
+    // asks under the contents lock.
     virtual bool isCompatibleVersion(uint32_t version) {
         return version == version_;
     }
@@ -77,7 +83,8 @@ class SharedMemoryLayout {
         layout->valid = validMark;
     }
 
-    // The segment itself, for owners that need more than whole records.
+    // The segment itself, for owners that need more than whole records; lives as long as this
+    // object.
     Accessor& accessor() {
         return accessor_;
     }

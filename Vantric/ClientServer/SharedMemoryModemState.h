@@ -1,5 +1,5 @@
-// The three state segments, by name. Owners hold them as SharedMemoryLayout, whose contract
-// applies.
+// The three state segments, by name, all of layout version 1. Owners hold them as
+// SharedMemoryLayout, whose contract applies.
 #pragma once
 
 #include "Vantric/ClientServer/SharedMemoryLayout.h"
@@ -11,6 +11,7 @@ namespace com_qel::Orvane::Vantric::ClientServer {
 // Segment "ModemStateShm": the basic state, refreshed by the server all the time.
 class SharedMemoryModemState : public SharedMemoryLayout<ModemState, SharedMemoryProvider> {
   public:
+    // Maps the segment; passes on what SharedMemoryProvider::map() throws.
     SharedMemoryModemState();
 };
 
@@ -18,12 +19,14 @@ class SharedMemoryModemState : public SharedMemoryLayout<ModemState, SharedMemor
 class SharedMemoryModemStateExtended
     : public SharedMemoryLayout<ModemStateExtended, SharedMemoryProvider> {
   public:
+    // Maps the segment; passes on what SharedMemoryProvider::map() throws.
     SharedMemoryModemStateExtended();
 };
 
 // Segment "ModemWifiList": the networks of the last scan, refreshed on request.
 class SharedMemoryWifiList : public SharedMemoryLayout<WifiInfosList, SharedMemoryProvider> {
   public:
+    // Maps the segment; passes on what SharedMemoryProvider::map() throws.
     SharedMemoryWifiList();
 };
 

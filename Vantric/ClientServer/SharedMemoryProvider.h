@@ -1,8 +1,9 @@
 // Opens, creates, sizes and maps named POSIX shared-memory objects and counts who is attached.
 //
 // Image of an object: an attach count (32-bit unsigned, all processes together), then the payload.
-// The first to attach finds the payload zeroed; the last to detach removes the object. A process
-// that dies without detaching leaves its count behind, and the object then outlives everybody.
+// The first to attach zeroes the payload, after the count is set and without a lock: who attaches
+// at the same moment may see it happen. The last to detach removes the object. A process that dies
+// without detaching leaves its count behind, and the object then outlives everybody.
 // Ownership: a provider keeps its segments mapped until it is destroyed; pointers from map() are
 // valid until then.
 // Thread-safety: none, a provider belongs to one thread. Process-safety: the attach count changes
@@ -17,6 +18,7 @@ namespace com_qel::Orvane::Vantric::ClientServer {
 
 class SharedMemoryProvider {
   public:
+    // Touches nothing outside the process.
     SharedMemoryProvider();
 
     // Detaches from every segment, unmaps it, and removes it when nobody is left. Never throws.
@@ -26,8 +28,8 @@ class SharedMemoryProvider {
     SharedMemoryProvider& operator=(const SharedMemoryProvider&) = delete;
 
     // Maps the segment `name` (passed on verbatim) with a payload of `size` bytes and returns the
-    // payload's address, which is 4-aligned. Creates the object when it is missing and resizes one
-    // of another size.
+    // payload's address, which is 4-aligned. Creates the object when it is missing, readable and
+    // writable for its owner only, and resizes one of another size.
     // Throws std::runtime_error "Failed to open shared mem file, error: " or "Failed to map to
     // shared memory, error: ", each followed by the system's text; the latter also when the system
     // has no room for the object. The provider is as before then; a created object stays.
