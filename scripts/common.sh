@@ -1,14 +1,21 @@
 # Shared by the scripts of this folder; to be sourced. Goes to the root of the tree and offers
 #   say TEXT...              tells what a long step is doing
-#   show_help_and_exit ...   prints the script's leading comment when --help is among the arguments
+#   show_help_and_exit_on_demand ARGUMENT...
+#                            prints the script's leading comment when --help is among the arguments
 #   in_private_shared_memory FOLDER COMMAND...  runs a command for which FOLDER, /dev/shm as a rule, is
 #                            empty and nobody else's
 #   await_line FILE PATTERN  waits, for at most 10 seconds, until the file has a line that matches
+#   fail TEXT...             ends the script with one sentence, which says what to do
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 say() {
     printf '\n== %s\n' "$*"
+}
+
+fail() {
+    printf '%s\n' "$*" >&2
+    exit 2
 }
 
 show_help_and_exit_on_demand() {

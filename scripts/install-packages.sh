@@ -4,6 +4,8 @@
 source "$(dirname "$0")/common.sh"
 show_help_and_exit_on_demand "$@"
 
+command -v dpkg-query apt-get > /dev/null ||
+    fail "This script serves Debian; elsewhere, install what scripts/packages.txt lists by hand."
 mapfile -t packages < <(grep -v '^#' scripts/packages.txt)
 missing=()
 for package in "${packages[@]}"; do
@@ -18,6 +20,7 @@ fi
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
     as_root=(sudo)
+    command -v sudo > /dev/null || fail "Run this as root, or install sudo: it has to install ${missing[*]}."
 fi
 say "Installing ${missing[*]}"
 "${as_root[@]}" apt-get update -qq

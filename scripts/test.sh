@@ -8,6 +8,8 @@ show_help_and_exit_on_demand "$@"
 preset=${1:-dev}
 
 scripts/install-packages.sh
+presets=$(ctest --list-presets)
+[[ $presets == *"\"$preset\""* ]] || fail "No tests belong to a preset '$preset'; see scripts/test.sh --help."
 say "Configuring ($preset)"
 cmake --preset "$preset" --log-level=WARNING
 say "Building ($preset)"

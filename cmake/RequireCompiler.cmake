@@ -1,0 +1,17 @@
+# Stops with one sentence when the compiler cannot build the tree, before it fails somewhere inside.
+
+set(compiler "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
+set(remedy "install g++ or clang++ and name it with -DCMAKE_CXX_COMPILER=PATH")
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    set(oldest_compiler 9)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    set(oldest_compiler 10)
+else()
+    message(FATAL_ERROR "The compiler has to be GCC or Clang, not ${CMAKE_CXX_COMPILER}: ${remedy}.")
+endif()
+if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS oldest_compiler)
+    message(FATAL_ERROR "${compiler} is too old, ${CMAKE_CXX_COMPILER_ID} ${oldest_compiler} is the oldest that will do: ${remedy}.")
+endif()
+if(NOT "cxx_std_17" IN_LIST CMAKE_CXX_COMPILE_FEATURES)
+    message(FATAL_ERROR "${CMAKE_CXX_COMPILER} (${compiler}) does not know C++17: ${remedy}.")
+endif()
