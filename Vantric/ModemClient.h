@@ -36,10 +36,10 @@ class ModemClient {
     ModemClient(const ModemClient&) = delete;
     ModemClient& operator=(const ModemClient&) = delete;
 
-    // Maps the state segments and the command channel, replacing what an earlier call mapped. With
-    // no other client attached this empties the channel: commands that the server has not taken
-    // out are lost. On failure, which is logged, the parts mapped so far stay in use and the others
-    // are as before.
+    // Maps the state segments and the command channel, replacing what an earlier call mapped. When
+    // no client is attached to the channel yet, this empties it: commands that the server has not
+    // taken out are lost. On failure, which is logged, the parts mapped so far stay in use and the
+    // others are as before.
     virtual bool connect();
 
     // Lets go of everything without releasing it; always true. The client can connect() again.
@@ -50,8 +50,8 @@ class ModemClient {
     // This and the other queries of the basic state fail while not connected, and on a state whose
     // time stamp is more than 300 seconds behind the wall clock. On a segment without a valid
     // record the first query fails; the next ones, until one finds a valid record, succeed with the
-    // values of an all-zero record (empty texts, type 0). docs/protocol.md tells what becomes of
-    // the time stamp after January 2038.
+    // values of an all-zero record (empty texts, type 0). From 19 January 2038 on the
+    // time stamp's 32 bits make every state too old.
     virtual bool getConnectivityType(int32_t& type);
 
     // Asks for a connectivity: 1 for wifi, 2 for the carrier; 0 succeeds and asks for nothing, any

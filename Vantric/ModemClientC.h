@@ -35,8 +35,9 @@ ModemClientHandle modemClientCreate(void);
 void modemClientDestroy(ModemClientHandle handle);
 
 /*
- * Maps the shared memory, creating what is missing, whether or not a server runs. With no other
- * client attached this drops the commands that the server has not taken out. A failure is logged.
+ * Maps the shared memory, creating what is missing, whether or not a server runs. When no
+ * client is attached yet, this drops the commands that the server has not taken out. A failure is
+ * logged.
  */
 bool modemClientConnect(ModemClientHandle handle);
 

@@ -18,8 +18,8 @@ class RollingTextFileBackEnd final : public IBackEnd {
     // Opens `path` for output and truncates it; an older "<path>.old" stays until the next roll.
     // `limit` is in bytes and is compared as a signed number: from 2147483648 on it counts as
     // negative and every line rolls. A file that cannot be opened, at the start or at a roll, is
-    // not reported and never tried again: every later line is lost. So it is after a failed write,
-    // unless every line rolls.
+    // not reported and never tried again: every later line is lost. So it is after a failed write;
+    // only with a limit of 2147483648 to 4294967294 the next line rolls and begins a new file.
     RollingTextFileBackEnd(const std::string& path, uint32_t limit);
 
     // Flushes each line.

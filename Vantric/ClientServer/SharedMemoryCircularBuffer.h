@@ -65,7 +65,7 @@ class SharedMemoryCircularBuffer {
         ++memory.producers;
     }
 
-    // Detaches; what is in the ring stays there.
+    // Detaches; what is in the ring stays there while anybody else is attached.
     virtual ~SharedMemoryCircularBuffer() {
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
         Memory& memory = *accessor_.memory();

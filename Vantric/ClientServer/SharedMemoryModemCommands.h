@@ -35,7 +35,7 @@ class SharedMemoryModemCommands {
     // which drops all unread frames. Passes on what SharedMemoryProvider::map() throws.
     explicit SharedMemoryModemCommands(bool consumer);
 
-    // Detaches from the ring, whose contents stay.
+    // Detaches from the ring, whose contents stay while anybody else is attached.
     ~SharedMemoryModemCommands();
 
     SharedMemoryModemCommands(const SharedMemoryModemCommands&) = delete;

@@ -6,6 +6,7 @@
 #   the comment at the top of a header   documents the header, and its first class unless that has a
 #                                        comment of its own
 #   "= default" and "= delete"           need none, the language tells what they do
+#   an enumerator without a comment      gets a command that doxygen refuses: it does not check them
 #
 # Text in comments is text: nothing in it is a command or markup, but for `code`, lists and, indented by
 # four, examples.
@@ -84,6 +85,17 @@ in_block {
 /[^ ].* \/\* .*\*\/$/ {
     start = index($0, "/* ")
     $0 = substr($0, 1, start - 1) "/**<" plain(substr($0, start + 2))
+}
+
+/^ *}/ { in_enumeration = 0 }
+
+in_enumeration && !was_comment && !trailing_column { $0 = $0 "  ///< \\undocumented_enumerator" }
+
+/^ *enum .*{/ {
+    in_enumeration = !/}/
+    if (!in_enumeration) {
+        $0 = $0 "  ///< \\undocumented_enumerator"
+    }
 }
 
 /= (default|delete);$/ { $0 = $0 "  ///< As the language has it." }
