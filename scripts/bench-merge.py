@@ -11,8 +11,11 @@ import bench_results
 
 
 def main():
-    if len(sys.argv) < 3 or sys.argv[1] in ("-h", "--help"):
-        sys.exit(__doc__ if len(sys.argv) < 3 else print(__doc__))
+    if sys.argv[1:2] in (["-h"], ["--help"]):
+        print(__doc__)
+        return
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
     try:
         bench_results.save(bench_results.merged(sys.argv[2:]), sys.argv[1])
     except (bench_results.InvalidResults, OSError, ValueError, KeyError) as error:

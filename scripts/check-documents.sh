@@ -38,7 +38,7 @@ check_path() {
 
 check_name() {
     local document=$1 name=$2
-    if git check-ignore -q "$name"; then
+    if [[ $name =~ ^[A-Z_]+\.[a-z]+$ && $name != *.md ]] || git check-ignore -q "$name"; then
         return
     fi
     checked=$((checked + 1))
