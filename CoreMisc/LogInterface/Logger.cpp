@@ -2,6 +2,7 @@
 
 #include <syslog.h>
 
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <stdexcept>
@@ -22,10 +23,9 @@ constexpr const char* consoleDirectory = "*";
 
 // The local time in asctime()'s form, its newline included; empty for a year that cannot be shown.
 // localtime() and asctime() share static storage: the mutex of the one formatting sink guards it.
-const char* localTimeStamp() {
-    const std::time_t now = std::time(nullptr);
+const char* stampOf(std::time_t time) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
-    const std::tm* local = std::localtime(&now);
+    const std::tm* local = std::localtime(&time);
     if (local == nullptr) {
         return "";
     }
@@ -34,6 +34,32 @@ const char* localTimeStamp() {
     const char* stamp = std::asctime(local);
     return stamp != nullptr ? stamp : "";
 }
+
+// The stamp of the last line serves all lines of the same second: making one costs more than the
+// rest of the line, a system call included when the time zone is the system's. Another zone in the
+// environment makes another stamp at once.
+class StampCache {
+  public:
+    const std::string& now() {
+        const std::time_t time = std::time(nullptr);
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): as with localtime(), which reads it too
+        const char* zone = std::getenv("TZ");
+        const bool isSameZone = zone != nullptr ? hasZone_ && zone_ == zone : !hasZone_;
+        if (time != time_ || !isSameZone || stamp_.empty()) {
+            stamp_ = stampOf(time);
+            zone_ = zone != nullptr ? zone : "";
+            hasZone_ = zone != nullptr;
+            time_ = time;
+        }
+        return stamp_;
+    }
+
+  private:
+    std::time_t time_ = 0;
+    bool hasZone_ = false;
+    std::string zone_;
+    std::string stamp_;
+};
 
 }  // namespace
 
@@ -45,7 +71,8 @@ const char* LevelName(Severity severity) {
 const char* FormatLine(const char* levelName, const char* text) {
     // Never destroyed: a record may come from the destructor of any static.
     static std::string& line = *new std::string;
-    line.assign("[").append(localTimeStamp());
+    static StampCache& stamp = *new StampCache;
+    line.assign("[").append(stamp.now());
     line.append("] <").append(levelName).append(">: ").append(text);
     return line.c_str();
 }

@@ -1,6 +1,7 @@
 #include "CoreMisc/LogInterface/RollingTextFileBackEnd.h"
 
 #include <cstdio>
+#include <string_view>
 
 namespace com_qel::Korvel::LogInterface {
 
@@ -11,12 +12,15 @@ void RollingTextFileBackEnd::Write(const char* line) {
     if (MustRoll()) {
         Roll();
     }
-    file_ << line << '\n';
+    const std::string_view text = line;
+    file_ << text << '\n';
     file_.flush();
+    handedOver_ += static_cast<int64_t>(text.size()) + 1;
 }
 
 bool RollingTextFileBackEnd::MustRoll() {
-    if (!file_.is_open()) {
+    // No file is longer than what it was given, so that only later its position must be asked for.
+    if (!file_.is_open() || handedOver_ <= int64_t{limit_}) {
         return false;
     }
     // A failed stream reports -1, which outgrows a negative limit only.
@@ -30,6 +34,7 @@ void RollingTextFileBackEnd::Roll() {
     std::remove(oldPath.c_str());
     std::rename(path_.c_str(), oldPath.c_str());
     file_.open(path_);
+    handedOver_ = 0;
 }
 
 }  // namespace com_qel::Korvel::LogInterface

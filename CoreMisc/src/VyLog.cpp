@@ -92,7 +92,8 @@ VyLog::~VyLog() {
     if (static_cast<int32_t>(logger.Threshold()) > static_cast<int32_t>(traits.severity)) {
         return;
     }
-    const std::string text = traits.prefix + stream_.str() + traits.suffix;
+    std::string text = stream_.str();
+    text.insert(0, traits.prefix).append(traits.suffix);
     logger.Dispatch(traits.severity, text.c_str());
 }
 

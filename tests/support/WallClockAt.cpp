@@ -39,3 +39,12 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     *time = {seconds, 0};
     return 0;
 }
+
+extern "C" time_t time(time_t* result) noexcept {
+    timespec now = {};
+    const time_t seconds = clock_gettime(CLOCK_REALTIME, &now) == 0 ? now.tv_sec : -1;
+    if (result != nullptr) {
+        *result = seconds;
+    }
+    return seconds;
+}
