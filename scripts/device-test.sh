@@ -95,7 +95,7 @@ add_tests() {
     find "$target/$tests" -type f -not -name '*.cmake' -exec arm-linux-gnueabihf-strip {} +
     find "$target/$tests" -name '*.cmake' -exec sed -i -e "s|/usr/bin/qemu-arm\" \"-L\" \"/usr/arm-linux-gnueabihf\" \"||; s|/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf ||; /EmulatorExceptions/d" {} +
     ln -sf /usr/bin/vantricprobe /usr/bin/vantricsim "$target/$tests/bin"
-    git ls-files tests/images tests/transcripts sim/scenarios fuzz/corpus | cpio --quiet -pdm "$target"
+    git ls-files README.md docs sim/README.md tests/images tests/transcripts sim/scenarios fuzz/corpus | cpio --quiet -pdm "$target"
 }
 
 [ -e "$packages/complete" ] || fetch_packages
