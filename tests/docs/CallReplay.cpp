@@ -4,6 +4,7 @@
 
 #include "Vantric/ModemClient.h"
 #include "tests/docs/ByteLines.h"
+#include "tests/docs/EmptySharedMemory.h"
 #include "tests/docs/ProtocolBlocks.h"
 #include "tests/support/PublishedServer.h"
 

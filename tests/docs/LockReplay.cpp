@@ -2,6 +2,7 @@
 #include <regex>
 
 #include "Vantric/Utils/MultiProcessLock.h"
+#include "tests/docs/EmptySharedMemory.h"
 #include "tests/docs/ProtocolBlocks.h"
 #include "tests/support/RawSemaphore.h"
 

@@ -14,6 +14,4 @@ void replayRecord(const CodeBlock& block);
 void replayCalls(const CodeBlock& block);
 void replayLock(const CodeBlock& block);
 
-void emptySharedMemory();
-
 }  // namespace vantric_test

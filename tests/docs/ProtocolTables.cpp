@@ -5,8 +5,8 @@
 #include <map>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "tests/docs/EmptySharedMemory.h"
 #include "tests/docs/Layouts.h"
-#include "tests/docs/ProtocolBlocks.h"
 #include "tests/support/PublishedServer.h"
 #include "tests/support/RawSemaphore.h"
 

@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <memory>
 #include <regex>
 #include <stdexcept>
@@ -6,6 +5,7 @@
 #include <vector>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "tests/docs/EmptySharedMemory.h"
 #include "tests/docs/ProtocolBlocks.h"
 #include "tests/docs/RingNotes.h"
 
@@ -142,12 +142,6 @@ class RingReplay {
 };
 
 }  // namespace
-
-void emptySharedMemory() {
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
-        std::filesystem::remove_all(entry.path());
-    }
-}
 
 void replayRing(const CodeBlock& block) {
     emptySharedMemory();
