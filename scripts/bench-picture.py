@@ -17,7 +17,6 @@ LABEL_WIDTH = 400
 RIGHT_MARGIN = 70
 LINE_HEIGHT = 18
 TOP = 84
-LOWEST = 0.5
 
 STYLE = """
  svg { background: #ffffff; font: 12px sans-serif; }
@@ -44,14 +43,15 @@ def duration(nanoseconds):
 
 
 class Axis:
-    """From LOWEST to the power of ten above the highest ratio."""
+    """From half of the floor, or less, to the power of ten above the highest ratio."""
 
-    def __init__(self, highest):
-        self.decades = max(1, math.ceil(math.log10(highest)))
-        self.scale = (WIDTH - LABEL_WIDTH - RIGHT_MARGIN) / (self.decades - math.log10(LOWEST))
+    def __init__(self, ratios):
+        self.decades = max(1, math.ceil(math.log10(max(ratios))))
+        self.left = math.log10(min(0.5, 0.9 * min(ratios)))
+        self.scale = (WIDTH - LABEL_WIDTH - RIGHT_MARGIN) / (self.decades - self.left)
 
     def x(self, ratio):
-        return LABEL_WIDTH + self.scale * (math.log10(max(ratio, LOWEST)) - math.log10(LOWEST))
+        return LABEL_WIDTH + self.scale * (math.log10(ratio) - self.left)
 
     def grid(self, bottom):
         for decade in range(self.decades + 1):
@@ -82,8 +82,7 @@ def bars(results, axis):
 
 
 def picture(results):
-    highest = max(ratio for row in results["rows"] for _, ratio in bench_results.with_ratios(row))
-    axis = Axis(highest)
+    axis = Axis([ratio for row in results["rows"] for _, ratio in bench_results.with_ratios(row)])
     elements, bottom = bars(results, axis)
     sentences = bench_results.machine_sentence(results["machine"])
     caption = [part.strip() for sentence in sentences for part in sentence.split(";")]  # lines that fit

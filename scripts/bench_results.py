@@ -97,7 +97,7 @@ def machine_of(reports):
         "date": context["date"][:10],
         "processor": first_match("/proc/cpuinfo", "model name"),
         "processors": context["num_cpus"],
-        "highest load": max(report["context"]["load_avg"][0] for report in reports),
+        "load at start": context["load_avg"][0],  # later ones are our own work
         "system": first_match("/etc/os-release", "PRETTY_NAME"),
         "kernel": platform.release(),
         "architecture": platform.machine(),
@@ -121,7 +121,7 @@ def with_ratios(row):
 
 
 def is_busy(machine):
-    return machine["highest load"] > machine["processors"] / 2
+    return machine["load at start"] > machine["processors"] / 2
 
 
 def machine_sentence(machine):
@@ -129,6 +129,6 @@ def machine_sentence(machine):
     text = (f"{machine['date']}: {machine['processors']} x {machine['processor']}, {machine['architecture']}, "
             f"{machine['system']}, Linux {machine['kernel']}, {machine['compiler']} -O2; Boost {machine['boost']}, "
             f"spdlog {machine['spdlog']}, dbus-daemon {machine['dbus']}, sd-bus {machine['sd-bus']}.")
-    load_text = f"Load up to {machine['highest load']:.1f}"
+    load_text = f"Load {machine['load at start']:.1f} at the start"
     return text, (f"{load_text}: the machine was busy, so these figures are provisional." if is_busy(machine)
                   else f"{load_text}: the machine was idle.")

@@ -49,15 +49,17 @@ void addPeer(const char* what) {
         [=] { return peer->takeAll(); });
 }
 
-}  // namespace
-
-void registerRows() {
+void addPeers() {
     addPeer<BusQueue>("D-Bus method call");
     addPeer<BoostQueue>("Boost.Interprocess message queue");
     addPeer<PipeQueue>("pipe");
     addPeer<PosixQueue>("POSIX message queue");
     addPeer<DatagramQueue>("Unix datagram");
+}
 
+}  // namespace
+
+void registerRows() {
     static Exchange exchange;
     auto floor = std::make_shared<EnqueueFloor>();
     auto channel = std::make_shared<SharedMemoryModemCommands>(false);
@@ -69,6 +71,7 @@ void registerRows() {
             return channel->enqueue(command, payload.data(), size);
         });
     }
+    addPeers();
     addSender(100, productRole, "sendTextCommand", exchange,
               [](const std::string& payload) { return exchange.client.sendTextCommand(payload); });
 }

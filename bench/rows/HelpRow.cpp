@@ -4,7 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <stdexcept>
+#include <filesystem>
 #include <string>
 
 #include "bench/support/Measurement.h"
@@ -13,11 +13,16 @@ namespace vantric_bench {
 
 namespace {
 
+// A program of this build, by its path from the folder of the running one.
+std::string builtProgram(const char* path) {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / path;
+}
+
 // The release's program, which scripts/bench.sh names, or else the one of this build.
 std::string productProgram() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): this program has one thread
     const char* named = std::getenv("VANTRIC_BENCH_PROGRAM");
-    return named != nullptr ? named : VANTRICPROBE_PATH;
+    return named != nullptr ? named : builtProgram("../bin/vantricprobe");
 }
 
 // An empty argument is left out.
@@ -48,7 +53,8 @@ void addProgram(const char* role, const char* what, const std::string& program,
 void registerRows() {
     addProgram(floorRole, "/bin/true", "/bin/true");
     addProgram(productRole, "vantricprobe --help", productProgram(), "--help");
-    addProgram(peerRole, "a program that prints one line through std::cout", STREAM_PROGRAM_PATH);
+    addProgram(peerRole, "a program that prints one line through std::cout",
+               builtProgram("stream_program"));
 }
 
 }  // namespace vantric_bench

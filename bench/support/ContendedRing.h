@@ -5,6 +5,7 @@
 #include <sched.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -48,9 +49,13 @@ class ContendedRing {
 
     // Returns the number of frames that the consumer has received from the sender.
     uint32_t waitUntilReceived(uint32_t sender) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
         while (shared_->received[sender] != sent_[sender]) {
             if (shared_->hasFailed) {
                 throw std::runtime_error("a frame arrived torn or out of order");
+            }
+            if (std::chrono::steady_clock::now() > deadline) {
+                throw std::runtime_error("a frame was lost");
             }
             sched_yield();
         }
