@@ -2,11 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <optional>
 
 #include "CoreMisc/LogInterface/Logger.h"
+#include "tests/CoreMisc/LocalTime.h"
 #include "tests/CoreMisc/LogTestSupport.h"
 #include "tests/support/Polling.h"
 
@@ -15,21 +14,14 @@ using com_qel::Korvel::LogInterface::LevelName;
 using com_qel::Korvel::LogInterface::Logger;
 using com_qel::Korvel::LogInterface::Severity;
 using com_qel::Korvel::LogInterface::SeverityFatal;
+using vantric_test::localTimeNow;
 using vantric_test::Result;
 using vantric_test::RoleRegistration;
 using vantric_test::runRoleWith;
+using vantric_test::TimeZone;
 using Arguments = std::vector<std::string>;
 
 namespace {
-
-// The fixed 24-character form with its newline.
-std::string localTimeNow() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local = {};
-    localtime_r(&now, &local);
-    char text[64];
-    return {text, std::strftime(text, sizeof(text), "%a %b %e %H:%M:%S %Y\n", &local)};
-}
 
 // Formats within one second of the clock, so that the time in the line is known.
 struct TimedLine {
@@ -49,36 +41,6 @@ TimedLine formatWithinASecond(const char* levelName, const char* text) {
     });
     return result.value();
 }
-
-// Puts the process into another time zone for as long as it lives.
-class TimeZone {
-  public:
-    explicit TimeZone(const char* zone) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-        const char* old = std::getenv("TZ");
-        if (old != nullptr) {
-            old_ = old;
-        }
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-        setenv("TZ", zone, 1);
-        tzset();
-    }
-    ~TimeZone() {
-        if (old_) {
-            // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-            setenv("TZ", old_->c_str(), 1);
-        } else {
-            // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-            unsetenv("TZ");
-        }
-        tzset();
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-  private:
-    std::optional<std::string> old_;
-};
 
 const RoleRegistration dispatchesUnconfigured("dispatchesUnconfigured", [](const Arguments&) {
     Logger& logger = Logger::Instance();

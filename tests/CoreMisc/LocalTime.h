@@ -1,0 +1,26 @@
+// The local time as log lines show it, and the time zone that it depends on.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace vantric_test {
+
+// The fixed 24-character form with its newline.
+std::string localTimeNow();
+
+// Puts the process into another time zone for as long as it lives; null takes TZ out of the
+// environment.
+class TimeZone {
+  public:
+    explicit TimeZone(const char* zone);
+    ~TimeZone();
+
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+  private:
+    std::optional<std::string> old_;
+};
+
+}  // namespace vantric_test
