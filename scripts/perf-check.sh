@@ -17,15 +17,21 @@ show_help_and_exit_on_demand "$@"
 
 budget_file=packaging/perf-budget.txt
 driver_folder=build/bench/bench
-driver=$driver_folder/performance_driver
-program=build/release/bin/vantricprobe
+driver=./performance_driver
+program_folder=build/release/bin
+program=./vantricprobe
 short_run=320
 long_run=960
 
 logs=$(mktemp --directory)
 trap 'rm -rf "$logs"' EXIT
-# What the user's environment asks of the C library must not count, nor a time zone of his own.
-fixed_environment=(env -i "PATH=$PATH" LC_ALL=C)
+# What the environment asks of the C library must not count, nor a time zone. Even its length would: it
+# moves the stack, and copying takes another path at another alignment. The same holds for the path of
+# the program, which is therefore called from its own folder.
+folder=$driver_folder
+in_fixed_environment() {
+    run_or_stop env -i -C "$folder" PATH=/usr/bin:/bin LC_ALL=C "$@"
+}
 
 run_or_stop() {
     "$@" > "$logs/output" 2>&1 || { echo "Failed: $*" >&2; cat "$logs/output" >&2; exit 1; }
@@ -33,19 +39,18 @@ run_or_stop() {
 
 # instructions CALLGRIND_OPTION PROGRAM ARGUMENT...
 instructions() {
-    run_or_stop "${fixed_environment[@]}" ${preload:+"LD_PRELOAD=$preload"} \
+    in_fixed_environment ${preload:+"LD_PRELOAD=$preload"} \
         valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$logs/callgrind" "$@"
     sed -n 's/.*Collected : //p' "$logs/callgrind"
 }
 
 system_calls() {
-    run_or_stop "${fixed_environment[@]}" \
-        strace -f -c -o "$logs/strace" ${preload:+-E "LD_PRELOAD=$preload"} "$@"
+    in_fixed_environment strace -f -c -o "$logs/strace" ${preload:+-E "LD_PRELOAD=$preload"} "$@"
     awk '$NF == "total" {print $4}' "$logs/strace"
 }
 
 allocations() {
-    run_or_stop "${fixed_environment[@]}" "ALLOCATION_COUNT_FILE=$logs/allocations" \
+    in_fixed_environment "ALLOCATION_COUNT_FILE=$logs/allocations" \
         "LD_PRELOAD=${preload:+$preload:}$PWD/$driver_folder/liballocation_count_preload.so" "$@"
     cat "$logs/allocations"
 }
@@ -63,7 +68,7 @@ per_operation() {
 # The three figures of an operation, one a line.
 measure() {
     if [ "$1" = helpPercentOfTrue ]; then
-        local help_cost true_cost
+        local folder=$program_folder help_cost true_cost
         help_cost=$(instructions --collect-atstart=yes "$program" --help) || return
         true_cost=$(instructions --collect-atstart=yes /bin/true) || return
         echo "$((help_cost * 100 / true_cost))"
@@ -108,7 +113,7 @@ check_all() {
 # Every operation of the driver has a line in the budget, or it would go unnoticed.
 require_complete_budget() {
     local operation
-    for operation in $("$driver" --list) "$@"; do
+    for operation in $("$driver_folder/$driver" --list) "$@"; do
         if ! grep -q "^$operation " "$budget_file"; then
             echo "There is no line for $operation in $budget_file" >&2
             exit 1
