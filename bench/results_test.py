@@ -103,11 +103,11 @@ class Results(unittest.TestCase):
     def test_replaces_the_table_of_a_document_and_nothing_else(self):
         bench_results.save(self.merged(), self.path("results.json"))
         document = pathlib.Path(self.path("document.md"))
-        document.write_text("before\n<!-- results -->\nold\n<!-- end of results -->\nafter\n", encoding="utf-8")
+        document.write_text("before\n\n## One run\n\nold\n\n## Next\nafter\n", encoding="utf-8")
         result = self.script("bench-table.py", self.path("results.json"), "--write", str(document))
         text = document.read_text(encoding="utf-8")
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertTrue(text.startswith("before\n<!-- results -->\n") and text.endswith("<!-- end of results -->\nafter\n"))
+        self.assertTrue(text.startswith("before\n\n## One run\n\n") and text.endswith("\n\n## Next\nafter\n"))
         self.assertIn("|  | **ours** | 120.0 ns | 110.0 ns to 130.0 ns | 1.20 |  |", text)
         self.assertNotIn("old", text)
 

@@ -3,15 +3,15 @@
 
 Usage: scripts/bench-table.py RESULTS.json [--write DOCUMENT]
 
-  --write DOCUMENT  puts the table into a Markdown document instead, between its lines
-                    "<!-- results -->" and "<!-- end of results -->"
+  --write DOCUMENT  puts the table into a Markdown document instead, as the whole of its section
+                    "One run"
 """
 import argparse
 
 import bench_results
 
-BEGIN = "<!-- results -->"
-END = "<!-- end of results -->"
+BEGIN = "## One run\n"
+END = "\n## "
 
 
 def duration(nanoseconds):
@@ -44,7 +44,7 @@ def write(table, path):
         before, _, rest = file.read().partition(BEGIN)
     _, marker, after = rest.partition(END)
     if not marker:
-        raise SystemExit(f"{path} has no place for results")
+        raise SystemExit(f"{path} has no section for results with another one behind it")
     with open(path, "w", encoding="utf-8") as file:
         file.write(f"{before}{BEGIN}\n{table}\n{END}{after}")
 
