@@ -111,6 +111,13 @@ class Results(unittest.TestCase):
         self.assertIn("|  | **ours** | 120.0 ns | 110.0 ns to 130.0 ns | 1.20 |  |", text)
         self.assertNotIn("old", text)
 
+    def test_leaves_a_document_without_a_place_for_the_table_alone(self):
+        bench_results.save(self.merged(), self.path("results.json"))
+        document = pathlib.Path(self.path("document.md"))
+        document.write_text("nothing\n", encoding="utf-8")
+        self.assertEqual(self.script("bench-table.py", self.path("results.json"), "--write", str(document)).returncode, 1)
+        self.assertEqual(document.read_text(encoding="utf-8"), "nothing\n")
+
     def test_draws_every_measurement_with_its_ratio(self):
         bench_results.save(self.merged(), self.path("results.json"))
         result = self.script("bench-picture.py", self.path("results.json"))
