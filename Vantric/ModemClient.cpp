@@ -60,7 +60,9 @@ void requireFresh(const ModemState& state) {
 // Joins the fields of a payload; a field that contains the separator is not escaped.
 template <class... Fields>
 std::string joined(const std::string& first, const Fields&... others) {
-    std::string payload = first;
+    std::string payload;
+    payload.reserve((first.size() + ... + (1 + others.size())));
+    payload += first;
     ((payload += ',', payload += others), ...);
     return payload;
 }
