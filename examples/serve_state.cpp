@@ -40,14 +40,15 @@ void publish(SharedMemoryModemState& segment, ModemState& state) {
 // Takes one command out of the ring; true when a client asked for a network, whose name is in
 // `name` then.
 bool takeNetworkName(SharedMemoryModemCommands& commands, std::string& name) {
-    std::array<char, 4096> payload;  // larger than any frame
+    std::array<char, 4096> payload = {};  // larger than any payload, so a NUL is behind it
     uint32_t command = 0;
-    uint32_t size = static_cast<uint32_t>(payload.size());
-    if (!commands.dequeue(command, payload.data(), &size) ||
+    auto capacity = static_cast<uint32_t>(payload.size());
+    if (!commands.dequeue(command, payload.data(), &capacity) ||
         command != static_cast<uint32_t>(ModemCommand::SetWifiSsid)) {
         return false;
     }
-    name.assign(payload.data(), size);
+    // Without a payload the channel leaves buffer and size as they are: the name is empty.
+    name = payload.data();
     return true;
 }
 
