@@ -17,6 +17,14 @@ macro(install_for component package)
     endif()
 endmacro()
 
+# Programs find the shared library beside them, wherever the tree is installed. Packages need no such
+# path: theirs is the system's.
+file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+set_target_properties(vantricprobe PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+if(VANTRIC_WITH_SIMULATOR)
+    set_target_properties(vantricsim PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+endif()
+
 # Headers, archive and the link to develop with belong to one component each; the shared library
 # itself is also that of a package.
 install(TARGETS vantric EXPORT VantricTargets

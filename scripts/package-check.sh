@@ -94,6 +94,7 @@ if [ "${1:-}" = --step ]; then
     exit
 fi
 
+[ "$(id -u)" -eq 0 ] || fail "Installing packages into a root folder needs root: run it with sudo."
 scripts/install-packages.sh
 rm -rf "$work"
 mkdir -p "$work"

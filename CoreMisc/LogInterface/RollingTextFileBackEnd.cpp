@@ -1,7 +1,6 @@
 #include "CoreMisc/LogInterface/RollingTextFileBackEnd.h"
 
 #include <cstdio>
-#include <string_view>
 
 namespace com_qel::Korvel::LogInterface {
 
@@ -12,15 +11,12 @@ void RollingTextFileBackEnd::Write(const char* line) {
     if (MustRoll()) {
         Roll();
     }
-    const std::string_view text = line;
-    file_ << text << '\n';
+    file_ << line << '\n';
     file_.flush();
-    handedOver_ += static_cast<int64_t>(text.size()) + 1;
 }
 
 bool RollingTextFileBackEnd::MustRoll() {
-    // No file is longer than what it was given, so that only later its position must be asked for.
-    if (!file_.is_open() || handedOver_ <= int64_t{limit_}) {
+    if (!file_.is_open()) {
         return false;
     }
     // A failed stream reports -1, which outgrows a negative limit only.
@@ -34,7 +30,6 @@ void RollingTextFileBackEnd::Roll() {
     std::remove(oldPath.c_str());
     std::rename(path_.c_str(), oldPath.c_str());
     file_.open(path_);
-    handedOver_ = 0;
 }
 
 }  // namespace com_qel::Korvel::LogInterface

@@ -32,7 +32,6 @@ class RollingTextFileBackEnd final : public IBackEnd {
     std::ofstream file_;
     int32_t limit_;  // bytes
     std::string path_;
-    int64_t handedOver_ = 0;  // bytes for the file since it was opened, written or lost
 };
 
 }  // namespace com_qel::Korvel::LogInterface

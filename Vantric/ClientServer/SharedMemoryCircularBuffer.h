@@ -25,6 +25,7 @@ namespace com_qel::Orvane::Vantric::ClientServer {
 template <class T, std::size_t N>
 class SharedMemoryCircularBuffer {
     static_assert(std::is_trivially_copyable_v<T>, "other processes share the bytes of T");
+    static_assert(std::is_copy_assignable_v<T>, "elements are assigned");
     static_assert(N > 0 && N <= UINT32_MAX);
 
   public:

@@ -11,6 +11,21 @@ namespace {
 
 using namespace vantric_test;
 
+// The client as it was installed beside a library of that flavour.
+class InstalledClient : public testing::TestWithParam<std::string> {};
+
+INSTANTIATE_TEST_SUITE_P(Installed, InstalledClient, testing::Values("static", "shared"),
+                         [](const auto& flavour) { return flavour.param; });
+
+TEST_P(InstalledClient, runsWithoutAWordAboutItsLibrary) {
+    const Bench bench;
+    Command client = probe({"--enablewifi"});
+    client.program =
+        std::string(EXAMPLES_FOLDER) + "/" + GetParam() + "/prefix/all/bin/vantricprobe";
+
+    EXPECT_NE(runCleanly(client).output.find("Now changing to Wifi\n"), std::string::npos);
+}
+
 // The library's flavour, and the way in which the example was built.
 using Origin = std::tuple<std::string, std::string>;
 

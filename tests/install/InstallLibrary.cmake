@@ -1,5 +1,5 @@
 # Builds and installs one flavour of the library and compares the installed files, component by
-# component, with the list of packaging/installed-files.txt.
+# component, with the list in packaging.
 file(REMOVE_RECURSE ${FOLDER}/prefix)
 if(FLAVOUR STREQUAL "shared")
     set(build_shared ON)
