@@ -19,10 +19,13 @@ endmacro()
 
 # Programs find the shared library beside them, wherever the tree is installed. Packages need no such
 # path: theirs is the system's.
-file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-set_target_properties(vantricprobe PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
-if(VANTRIC_WITH_SIMULATOR)
-    set_target_properties(vantricsim PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+if(BUILD_SHARED_LIBS)
+    file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set(programs vantricprobe)
+    if(VANTRIC_WITH_SIMULATOR)
+        list(APPEND programs vantricsim)
+    endif()
+    set_target_properties(${programs} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
 endif()
 
 # Headers, archive and the link to develop with belong to one component each; the shared library
