@@ -23,7 +23,7 @@ cppcheck --quiet --language=c++ --std=c++17 -I . -j "$(nproc)" \
 
 say "Running GCC's analyzer over the product and the simulator"
 cmake -S . -B "$folder" -G Ninja --log-level=WARNING -DCMAKE_BUILD_TYPE=Debug \
-    -DVANTRIC_BUILD_SIMULATOR=ON -DVANTRIC_BUILD_TESTS=OFF \
+    -DVANTRIC_BUILD_SIMULATOR=ON -DVANTRIC_BUILD_TESTS=OFF -DVANTRIC_BUILD_BENCHMARKS=OFF \
     -DCMAKE_CXX_FLAGS="-O1 -fanalyzer -fanalyzer-verbosity=0 -fno-analyzer-state-merge -fdiagnostics-color=never"
 LC_ALL=C cmake --build "$folder" --clean-first > "$folder/analyzer.log" || { cat "$folder/analyzer.log"; exit 1; }
 # FILE: MESSAGE [FLAG], without positions: an edit above a report does not make it new.
