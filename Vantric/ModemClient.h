@@ -10,9 +10,10 @@
 // Thread-safety: none, a client belongs to one thread. Process-safety: each query holds one
 // segment's lock for one copy; nothing is locked while sleeping, converting or logging. Waiting for
 // a lock has no time limit, not even in the operations that take a timeout.
-// A server that is not running is no connection failure: connect() creates what is missing, and the
-// queries fail until somebody publishes. The server wrote all that the queries return: numbers may
-// have any value, and a text is its field up to the first NUL or, without one, the whole field.
+// A server that is not running is no connection failure: connect() creates what is missing, and
+// getConnectivityType() tells what the queries give until somebody publishes. The server wrote all
+// that the queries return: numbers may have any value, and a text is its field up to the first NUL
+// or, without one, the whole field.
 #pragma once
 
 #include <cstdint>

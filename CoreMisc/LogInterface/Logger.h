@@ -67,8 +67,10 @@ class Logger {
 
     // Adds a text file sink on `directory`/`name`.log, truncating an older file, or a console sink
     // when `directory` is "*", and sets the threshold to `level` (SeverityError when `level` is not
-    // a severity). Throws std::runtime_error when the parent directory does not exist and
-    // std::filesystem::filesystem_error when it cannot be examined; nothing has changed then.
+    // a severity). Call VyLog::Init() first: otherwise the first record still configures from the
+    // environment, which adds a sink and replaces the threshold. Throws std::runtime_error when the
+    // parent directory does not exist and std::filesystem::filesystem_error when it cannot be
+    // examined; nothing has changed then.
     void ConfigureFile(const std::string& name, const std::string& directory, int level,
                        Formatter formatter);
 
