@@ -59,7 +59,7 @@ Row row(std::size_t offset, std::size_t size, const std::string& type, const std
 // In front of what an object holds stands the number of its users.
 constexpr std::size_t behindUsers = sizeof(uint32_t);
 Row users() {
-    return row(0, behindUsers, "uint32", "users");
+    return row(0, behindUsers, "uint32", "attachCount");
 }
 
 TEST(ProtocolPage, hasTheOffsetsOfTheStatesHeader) {
@@ -165,7 +165,7 @@ TEST(ProtocolPage, hasTheCommandsThatTheSimulatorKnows) {
 
 TEST(ProtocolPage, showsTheFrameThatAClientWrites) {
     const Rows frame = {row(0, sizeof(uint32_t), "uint32", "command"),
-                        row(4, sizeof(uint32_t), "uint32", "payloadSize"),
+                        row(4, sizeof(uint32_t), "uint32", "length"),
                         {"8", "", "bytes", "payload"}};
     EXPECT_EQ(tableOf(".Ss Frame"), frame);
 
