@@ -51,8 +51,8 @@ class ModemClient {
     // This and the other queries of the basic state fail while not connected, and on a state whose
     // time stamp is more than 300 seconds behind the wall clock. On a segment without a valid
     // record the first query fails; the next ones, until one finds a valid record, succeed with the
-    // values of an all-zero record (empty texts, type 0). From 19 January 2038 on the
-    // time stamp's 32 bits make every state too old.
+    // values of an all-zero record (empty texts, type 0). From five minutes after 19 January 2038,
+    // 03:14:07 UTC, at the latest, the time stamp's 32 bits make every state too old.
     virtual bool getConnectivityType(int32_t& type);
 
     // Asks for a connectivity: 1 for wifi, 2 for the carrier; 0 succeeds and asks for nothing, any
