@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "CoreMisc/src/VyLog.h"
+#include "tests/support/LogSettings.h"
 
 namespace vantric_test {
 
@@ -17,16 +18,6 @@ namespace {
 
 namespace LogInterface = com_qel::Korvel::LogInterface;
 using com_qel::VyLog;
-
-constexpr const char* logVariables[] = {"VRAX_LOG_LEVEL", "VRAX_LOG_TYPE", "VRAX_LOG_ROOT",
-                                        "VRAX_LOG_NAME", "VRAX_LOG_SIZE"};
-
-void removeLogVariables() {
-    for (const char* variable : logVariables) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): tests change it while they have one thread
-        unsetenv(variable);
-    }
-}
 
 const RoleRegistration writeErrors(writeErrorsRole, [](const std::vector<std::string>& messages) {
     for (const std::string& message : messages) {
@@ -102,7 +93,7 @@ std::vector<std::string> namesIn(const std::filesystem::path& folder) {
 }
 
 LogEnvironment::LogEnvironment(const LogSettings& settings) {
-    removeLogVariables();
+    forgetLogSettings();
     for (const auto& [variable, value] : settings) {
         // NOLINTNEXTLINE(concurrency-mt-unsafe): tests change it while they have one thread
         setenv(variable.c_str(), value.c_str(), 1);
@@ -110,7 +101,7 @@ LogEnvironment::LogEnvironment(const LogSettings& settings) {
 }
 
 LogEnvironment::~LogEnvironment() {
-    removeLogVariables();
+    forgetLogSettings();
 }
 
 Result runRoleWith(const LogSettings& settings, const std::string& role,

@@ -8,6 +8,7 @@
 
 #include "tests/docs/EmptySharedMemory.h"
 #include "tests/support/Launcher.h"
+#include "tests/support/LogSettings.h"
 
 namespace vantric_test {
 
@@ -30,10 +31,7 @@ std::string contentOf(const std::string& path) {
 
 // Without any log setting of whoever runs the test.
 Command program(const char* path, const std::vector<std::string>& arguments) {
-    for (const char* variable :
-         {"VRAX_LOG_LEVEL", "VRAX_LOG_TYPE", "VRAX_LOG_ROOT", "VRAX_LOG_NAME", "VRAX_LOG_SIZE"}) {
-        unsetenv(variable);  // NOLINT(concurrency-mt-unsafe): tests have one thread here
-    }
+    forgetLogSettings();
     Command command;
     command.program = path;
     command.arguments = arguments;

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
 #include "tests/end_to_end/Transcript.h"
 #include "tests/support/Launcher.h"
+#include "tests/support/LogSettings.h"
 
 namespace vantric_test {
 
@@ -16,13 +16,6 @@ namespace {
 
 using com_qel::Orvane::Vantric::ClientServer::ModemCommand;
 using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
-
-void forgetLogSettings() {
-    for (const char* variable :
-         {"VRAX_LOG_LEVEL", "VRAX_LOG_TYPE", "VRAX_LOG_ROOT", "VRAX_LOG_NAME", "VRAX_LOG_SIZE"}) {
-        unsetenv(variable);  // NOLINT(concurrency-mt-unsafe): tests have one thread here
-    }
-}
 
 Command program(const std::string& path, const std::vector<std::string>& arguments,
                 int clockFactor) {
