@@ -17,6 +17,12 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
+# Where GCC can bound a size it copies with a string instruction, whose start takes longer than the whole
+# of a short copy by the C library: it doubled the time of an enqueue.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|i.86")
+    add_compile_options(-mstringop-strategy=libcall)
+endif()
+
 option(VANTRIC_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 if(VANTRIC_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
