@@ -40,12 +40,6 @@ class ModemClientQueries : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(client.connect()); }
 
-    void publishAt(int32_t timestamp) {
-        ModemState state = freshState();
-        state.timestamp = timestamp;
-        server.state.publish(state);
-    }
-
     PublishedServer server;
     ModemClient client;
     int32_t number = -1;
@@ -171,7 +165,7 @@ TEST_F(ModemClientQueries, failWithoutTouchingTheirOutputsBeforeConnecting) {
 }
 
 TEST_F(ModemClientQueries, failWithoutTouchingTheirOutputsOnAStaleState) {
-    publishAt(secondsNow() - 301);
+    server.publishAt(secondsNow() - 301);
     EXPECT_FALSE(client.getConnectivityType(number));
     EXPECT_FALSE(client.getWifiSSID(text));
     EXPECT_FALSE(client.getWifiPasswordAndEncryptionType(number, text));
@@ -182,7 +176,7 @@ TEST_F(ModemClientQueries, failWithoutTouchingTheirOutputsOnAStaleState) {
 }
 
 TEST_F(ModemClientQueries, refuseAStaleStateEveryTime) {
-    publishAt(secondsNow() - 1000);
+    server.publishAt(secondsNow() - 1000);
     for (int attempt = 0; attempt < 3; ++attempt) {
         EXPECT_FALSE(client.getWifiSSID(text));
     }
@@ -242,7 +236,7 @@ TEST_F(ModemClientQueries, acceptNothingButVersionOneAndValidOne) {
 }
 
 TEST_F(ModemClientQueries, countAnInvalidReadAsTheFirstAfterAStaleOne) {
-    publishAt(secondsNow() - 1000);
+    server.publishAt(secondsNow() - 1000);
     EXPECT_FALSE(client.getWifiSSID(text));
     invalidate(server.state);
     EXPECT_FALSE(client.getWifiSSID(text));
@@ -250,7 +244,7 @@ TEST_F(ModemClientQueries, countAnInvalidReadAsTheFirstAfterAStaleOne) {
 
 TEST_F(ModemClientQueries, rememberAnInvalidReadAcrossAStaleOne) {
     EXPECT_FALSE(client.getWifiSSID(text));
-    publishAt(secondsNow() - 1000);
+    server.publishAt(secondsNow() - 1000);
     EXPECT_FALSE(client.getWifiSSID(text));
     invalidate(server.state);
     EXPECT_TRUE(client.getWifiSSID(text));
@@ -304,7 +298,7 @@ TEST_F(ModemClientQueries, leaveEveryLockFree) {
     const std::function<void()> situations[] = {
         [] {},
         [&] { server.state.publish(freshState()); },
-        [&] { publishAt(0); },
+        [&] { server.publishAt(0); },
         [&] { invalidate(server.state); },
     };
     for (const auto& arrange : situations) {

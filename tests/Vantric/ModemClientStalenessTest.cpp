@@ -21,7 +21,7 @@ class ModemClientStaleness : public testing::Test {
 
     bool isReadableAtTheAgeOf(int32_t seconds) {
         constexpr int32_t now = 1'900'000'000;
-        publishAt(now - seconds);
+        server.publishAt(now - seconds);
         return isReadableAt(now);
     }
 
@@ -29,12 +29,6 @@ class ModemClientStaleness : public testing::Test {
     bool isReadableAt(int64_t now) {
         const WallClockAt clock(now);
         return client.getConnectivityType(number);
-    }
-
-    void publishAt(int32_t timestamp) {
-        ModemState state = freshState();
-        state.timestamp = timestamp;
-        server.state.publish(state);
     }
 
     PublishedServer server;
@@ -52,13 +46,13 @@ TEST_F(ModemClientStaleness, refusesAStateOfThreeHundredAndOneSeconds) {
 
 TEST_F(ModemClientStaleness, acceptsAStateFromTheFuture) {
     EXPECT_TRUE(isReadableAtTheAgeOf(-10));
-    publishAt(std::numeric_limits<int32_t>::max());
+    server.publishAt(std::numeric_limits<int32_t>::max());
     EXPECT_TRUE(client.getConnectivityType(number));
 }
 
 TEST_F(ModemClientStaleness, refusesAStateFromBeforeTheEpoch) {
     for (const int32_t timestamp : {0, -1, std::numeric_limits<int32_t>::min()}) {
-        publishAt(timestamp);
+        server.publishAt(timestamp);
         EXPECT_FALSE(client.getConnectivityType(number)) << timestamp;
     }
 }
@@ -66,21 +60,21 @@ TEST_F(ModemClientStaleness, refusesAStateFromBeforeTheEpoch) {
 constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
 
 TEST_F(ModemClientStaleness, acceptsAStateInTheLastSecondThatAStampCanShow) {
-    publishAt(lastStamp);
+    server.publishAt(lastStamp);
     EXPECT_TRUE(isReadableAt(lastStamp));
 }
 
 TEST_F(ModemClientStaleness, refusesAStampThatHasWrappedAfterJanuary2038) {
-    publishAt(std::numeric_limits<int32_t>::min());
+    server.publishAt(std::numeric_limits<int32_t>::min());
     EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1));
-    publishAt(std::numeric_limits<int32_t>::min() + 1000);
+    server.publishAt(std::numeric_limits<int32_t>::min() + 1000);
     EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1001));
 }
 
 TEST_F(ModemClientStaleness,
        acceptsTheLastStampAfterJanuary2038WhileItIsYoungWhereTheClockCanBeRead) {
     constexpr bool canReadClock = sizeof(time_t) > sizeof(int32_t);
-    publishAt(lastStamp);
+    server.publishAt(lastStamp);
     EXPECT_EQ(isReadableAt(int64_t{lastStamp} + 300), canReadClock);
     EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 301));
 }

@@ -14,7 +14,8 @@ endfunction()
 
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER}/build ${same_compilers}
     -D CMAKE_BUILD_TYPE=Debug -D CMAKE_INSTALL_LIBDIR=lib
-    -D BUILD_SHARED_LIBS=${build_shared} -D VANTRIC_BUILD_TESTS=OFF -D VANTRIC_BUILD_SIMULATOR=OFF)
+    -D BUILD_SHARED_LIBS=${build_shared} -D VANTRIC_BUILD_TESTS=OFF -D VANTRIC_BUILD_SIMULATOR=OFF
+    -D VANTRIC_BUILD_BENCHMARKS=OFF)
 run(${CMAKE_COMMAND} --build ${FOLDER}/build)
 foreach(component runtime development)
     run(${CMAKE_COMMAND} --install ${FOLDER}/build --prefix ${FOLDER}/prefix/${component} --component ${component})

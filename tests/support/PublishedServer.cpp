@@ -65,6 +65,12 @@ PublishedServer::~PublishedServer() {
     stop();
 }
 
+void PublishedServer::publishAt(int32_t timestamp) {
+    Vantric::ModemState published = freshState();
+    published.timestamp = timestamp;
+    state.publish(published);
+}
+
 void PublishedServer::answer(Reaction reaction) {
     reaction_ = std::move(reaction);
     thread_ = std::thread([this] {

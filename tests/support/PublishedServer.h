@@ -72,6 +72,9 @@ class PublishedServer {
     Vantric::ClientServer::SharedMemoryModemStateExtended extendedState;
     Vantric::ClientServer::SharedMemoryWifiList wifiList;
 
+    // Publishes freshState() with that time stamp.
+    void publishAt(int32_t timestamp);
+
     // Starts a thread that takes the commands out and calls `reaction` for each.
     void answer(Reaction reaction);
 
