@@ -12,7 +12,6 @@
 namespace {
 
 using com_qel::Orvane::Vantric::ModemClient;
-using com_qel::Orvane::Vantric::ModemState;
 using namespace vantric_test;
 
 class ModemClientStaleness : public testing::Test {
