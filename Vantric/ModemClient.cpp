@@ -27,7 +27,7 @@ constexpr int64_t stalenessLimitSeconds = 300;
 // A record that cannot be built (out of memory) is lost: no exception leaves the client.
 void logError(int line, const char* text, const std::exception& error) noexcept {
     try {
-        VyLog(VyLog::Error, sourceFile, line, 0).stream() << text << error.what();
+        VyLog(VyLog::Error, sourceFile, line, 0).append(text).append(error.what());
     } catch (const std::exception&) {
         return;
     }

@@ -47,8 +47,11 @@ bool hasPassed(TimePoint deadline) {
 }
 
 void logTimeout(int line, const char* operation, uint32_t timeoutSeconds) {
-    VyLog(VyLog::Warning, sourceFile, line, 0).stream()
-        << operation << " (blocking) timed out after " << timeoutSeconds << " seconds.\n";
+    VyLog(VyLog::Warning, sourceFile, line, 0)
+        .append(operation)
+        .append(" (blocking) timed out after ")
+        .append(timeoutSeconds)
+        .append(" seconds.\n");
 }
 
 // Sets a connection by `request` after forgetting the current one. `operation` names it in the log.
@@ -57,8 +60,9 @@ bool setConnectionBlocking(ModemClientHandle handle, uint32_t timeoutSeconds, co
                            Request request) {
     const TimePoint start = std::chrono::steady_clock::now();
     if (!modemClientForgetWifiBlocking(handle, timeoutSeconds)) {
-        VyLog(VyLog::Error, sourceFile, __LINE__, 0).stream()
-            << operation << " (blocking) failed to forget current wifi settings";
+        VyLog(VyLog::Error, sourceFile, __LINE__, 0)
+            .append(operation)
+            .append(" (blocking) failed to forget current wifi settings");
         return false;
     }
     std::string before;

@@ -32,7 +32,7 @@ describe() {
         --type-id-style hash --out-file "$folder/libvantric.abi" "$folder/lib/libvantric.so"
     # 64-bit integers have another name on each architecture.
     "${tools[$1]}nm" --dynamic --defined-only --demangle --format=posix "$folder/lib/libvantric.so" |
-        sed 's/@@VANTRIC_1 [A-Z] .*//; /^VANTRIC_1 A/d; s/unsigned long long/unsigned long/g' |
+        sed 's/@@VANTRIC_1 [A-Z] .*//; /^VANTRIC_1 A/d; s/long long/long/g' |
         LC_ALL=C sort --unique > "$folder/exported-symbols.txt"
 }
 

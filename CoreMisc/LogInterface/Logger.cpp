@@ -21,6 +21,15 @@ namespace {
 constexpr uint32_t defaultRollingLimitBytes = 5000;
 constexpr const char* consoleDirectory = "*";
 
+// As the standard's paths are joined: an absolute `name` stands alone.
+std::string joined(const std::string& directory, const std::string& name) {
+    const bool isAbsolute = !name.empty() && name.front() == '/';
+    if (isAbsolute || directory.empty()) {
+        return name;
+    }
+    return directory.back() == '/' ? directory + name : directory + '/' + name;
+}
+
 // The local time in asctime()'s form, its newline included; empty for a year that cannot be shown.
 // localtime() and asctime() share static storage: the mutex of the one formatting sink guards it.
 const char* stampOf(std::time_t time) {
@@ -104,7 +113,7 @@ void Logger::AddFormattingSink(Formatter formatter, std::unique_ptr<BackEnd> bac
 
 void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatter) {
     const LogConfig config(SeverityFatal, LogTypeConsole, "./", name, defaultRollingLimitBytes);
-    const std::string path = std::filesystem::path(config.root) / config.name;
+    const std::string path = joined(config.root, config.name);
     switch (config.type) {
         case LogTypeTextFile:
             AddFormattingSink(formatter, std::make_unique<TextFileBackEnd>(path));
@@ -132,8 +141,8 @@ void Logger::ConfigureFile(const std::string& name, const std::string& directory
     if (directory == consoleDirectory) {
         AddFormattingSink(formatter, std::make_unique<StdOutBackEnd>());
     } else {
-        const std::filesystem::path path = std::filesystem::path(directory) / (name + ".log");
-        const std::filesystem::path parent = path.parent_path();
+        const std::string path = joined(directory, name + ".log");
+        const std::filesystem::path parent = std::filesystem::path(path).parent_path();
         if (!exists(status(parent))) {
             throw std::runtime_error("Cannot create log file: Path is invalid " + parent.string());
         }

@@ -6,12 +6,14 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
+#include <memory>
 #include <string>
 
 #include "CoreMisc/LogInterface/IBackEnd.h"
 
 namespace com_qel::Korvel::LogInterface {
+
+class LineFile;
 
 class RollingTextFileBackEnd final : public IBackEnd {
   public:
@@ -21,6 +23,7 @@ class RollingTextFileBackEnd final : public IBackEnd {
     // not reported and never tried again: every later line is lost. So it is after a failed write;
     // only with a limit of 2147483648 to 4294967294 the next line rolls and begins a new file.
     RollingTextFileBackEnd(const std::string& path, uint32_t limit);
+    ~RollingTextFileBackEnd();
 
     // Flushes each line.
     void Write(const char* line) override;
@@ -29,7 +32,7 @@ class RollingTextFileBackEnd final : public IBackEnd {
     bool MustRoll();
     void Roll();
 
-    std::ofstream file_;
+    std::unique_ptr<LineFile> file_;
     int32_t limit_;  // bytes
     std::string path_;
 };

@@ -1,23 +1,26 @@
 // Writes lines to a text file and flushes each, so nothing is lost when the process dies.
 #pragma once
 
-#include <fstream>
+#include <memory>
 #include <string>
 
 #include "CoreMisc/LogInterface/IBackEnd.h"
 
 namespace com_qel::Korvel::LogInterface {
 
+class LineFile;
+
 class TextFileBackEnd final : public IBackEnd {
   public:
     // Opens `path` for output and truncates it. A file that cannot be opened is not reported: every
     // line is lost. After a failed write every later line is lost as well.
     explicit TextFileBackEnd(const std::string& path);
+    ~TextFileBackEnd();
 
     void Write(const char* line) override;
 
   private:
-    std::ofstream file_;
+    std::unique_ptr<LineFile> file_;
 };
 
 }  // namespace com_qel::Korvel::LogInterface

@@ -1,10 +1,9 @@
 #include "CoreMisc/src/VyLog.h"
 
-#include <sys/time.h>
-
+#include <charconv>
 #include <cstring>
-#include <iomanip>
-#include <string>
+#include <exception>
+#include <limits>
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "CoreMisc/src/VyMutex.h"
@@ -62,6 +61,52 @@ const char* baseName(const char* path) {
     return lastSlash != nullptr ? lastSlash + 1 : path;
 }
 
+// Room for the header and most messages, allocated once.
+constexpr std::size_t usualTextSize = 240;
+
+void appendRightAligned(std::string& text, std::string_view piece, std::size_t width,
+                        char fill = ' ') {
+    if (piece.size() < width) {
+        text.append(width - piece.size(), fill);
+    }
+    text.append(piece);
+}
+
+// The digits of an integer, in characters of this object.
+class Digits {
+  public:
+    // Leaves the characters behind the digits as they are: nobody looks at them.
+    template <class Integer>
+    // cppcheck-suppress uninitMemberVar ; see above
+    explicit Digits(Integer number, int base = 10)
+        : end_(std::to_chars(std::begin(characters_), std::end(characters_), number, base).ptr) {}
+
+    operator std::string_view() const {
+        return {characters_, static_cast<std::size_t>(end_ - characters_)};
+    }
+
+  private:
+    char characters_[std::numeric_limits<uint64_t>::digits10 + 2];
+    const char* end_;
+};
+
+void appendPlace(std::string& text, const char* file, int line) {
+    if (file != nullptr) {
+        appendRightAligned(text, baseName(file), 35);
+    } else {
+        text += "UNKNOWN";
+    }
+    text += '|';
+    appendRightAligned(text, Digits(line), 5);
+    text += '|';
+}
+
+void appendCategory(std::string& text, uint64_t category) {
+    text += "TRACE:0x";
+    appendRightAligned(text, Digits(category, 16), 16, '0');
+    text += '|';
+}
+
 void configureFromEnvironment() {
     LogInterface::Logger::Instance().ConfigureFromEnvironment("dummy", LogInterface::FormatLine);
 }
@@ -71,18 +116,18 @@ void configureFromEnvironment() {
 VyLog::VyLog(Level level, const char* file, int line, uint64_t category)
     : level_(level), file_(file), line_(line), category_(category) {
     Init();
-    stream_ << std::setw(7) << traitsOf(level_).name << '|';
-    if (showFileLine) {
-        if (file_ != nullptr) {
-            stream_ << std::setw(35) << baseName(file_);
-        } else {
-            stream_ << "UNKNOWN";
+    try {
+        text_.reserve(usualTextSize);
+        appendRightAligned(text_, traitsOf(level_).name, 7);
+        text_ += '|';
+        if (showFileLine) {
+            appendPlace(text_, file_, line_);
         }
-        stream_ << '|' << std::setw(5) << line_ << '|';
-    }
-    if (category_ != 0) {
-        stream_ << "TRACE:0x" << std::hex << std::setfill('0') << std::setw(16) << category_ << '|'
-                << std::dec << std::left << std::setfill(' ');
+        if (category_ != 0) {
+            appendCategory(text_, category_);
+        }
+    } catch (const std::exception&) {
+        return;
     }
 }
 
@@ -92,9 +137,21 @@ VyLog::~VyLog() {
     if (static_cast<int32_t>(logger.Threshold()) > static_cast<int32_t>(traits.severity)) {
         return;
     }
-    std::string text = stream_.str();
-    text.insert(0, traits.prefix).append(traits.suffix);
-    logger.Dispatch(traits.severity, text.c_str());
+    text_.insert(0, traits.prefix).append(traits.suffix);
+    logger.Dispatch(traits.severity, text_.c_str());
+}
+
+VyLog& VyLog::append(std::string_view text) noexcept {
+    try {
+        text_ += text;
+    } catch (const std::exception&) {
+        return *this;
+    }
+    return *this;
+}
+
+VyLog& VyLog::append(int64_t number) noexcept {
+    return append(Digits(number));
 }
 
 uint64_t VyLog::TraceMask() {
@@ -121,13 +178,6 @@ void VyLog::Init() {
         configureFromEnvironment();
     }
     initialised = true;
-}
-
-void VyLog::AppendTimestamp(VyLog& record) {
-    timeval now = {};
-    gettimeofday(&now, nullptr);
-    record.stream() << std::dec << std::setfill(' ') << std::setw(12) << now.tv_sec << '.'
-                    << std::left << std::setw(8) << now.tv_usec;
 }
 
 }  // namespace com_qel

@@ -3,6 +3,8 @@
 //     VyLog(VyLog::Error, "Vantric/ModemClient", __LINE__, 0).stream() << "text" << value;
 //
 // A trace record is created only when VyLog::TraceMask() has the bit of its category set.
+// Texts and integers need no stream: append() takes them for less, and a program that uses nothing
+// else does not carry the standard streams.
 //
 // Construction writes the record's header, and the first record of the process configures the
 // logger from the environment. Destruction drops the record when its severity is below the logger's
@@ -12,8 +14,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <ostream>
-#include <sstream>
+#include <string>
+#include <string_view>
 
 namespace com_qel {
 
@@ -32,7 +36,8 @@ class VyLog {
     // `file` is a source path with static lifetime, of which the record shows the base name; null
     // shows "UNKNOWN". `category` is 0 for ordinary records and the trace category's bit for trace
     // records. A level outside the enumeration shows as "UNKNOWN" and counts as trace.
-    // Throws what configuring the logger throws (std::bad_alloc).
+    // Throws what configuring the logger throws (std::bad_alloc). What there is no memory for
+    // later, of header or message, is left out.
     VyLog(Level level, const char* file, int line, uint64_t category);
 
     // Filters and dispatches. An exception in here ends the process.
@@ -42,7 +47,13 @@ class VyLog {
     VyLog& operator=(const VyLog&) = delete;
 
     // Where the message goes. After a trace record's header the stream is left-adjusted.
-    std::ostream& stream() { return stream_; }
+    // The stream is lent to this record and has the state of a new one; what a caller keeps in its
+    // iword() and pword() outlives the record. Throws std::bad_alloc.
+    std::ostream& stream();
+
+    // Adds a piece of the message without a stream. A number is written in decimal.
+    VyLog& append(std::string_view text) noexcept;
+    VyLog& append(int64_t number) noexcept;
 
     // The trace categories to be written, one bit each; 0 at start. The caller compares.
     static uint64_t TraceMask();
@@ -65,7 +76,12 @@ class VyLog {
     static void AppendTimestamp(VyLog& record);
 
   private:
-    std::ostringstream stream_;
+    class Stream;
+    using LentStream = std::unique_ptr<Stream, void (*)(Stream*)>;
+
+    std::string text_;
+    // Set by the first call of stream(); the deleter takes the stream back.
+    LentStream stream_{nullptr, nullptr};
     Level level_;
     const char* file_;
     int line_;

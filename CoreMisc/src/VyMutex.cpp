@@ -17,7 +17,7 @@ template <class... Parts>
 void log(VyLog::Level level, int line, uint64_t category, const Parts&... parts) noexcept {
     try {
         VyLog record(level, sourceFile, line, category);
-        (record.stream() << ... << parts);
+        (record.append(parts), ...);
     } catch (const std::exception&) {
         return;
     }

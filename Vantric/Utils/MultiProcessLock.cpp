@@ -24,8 +24,8 @@ MultiProcessLock::MultiProcessLock(const std::string& name)
     : implementation_(std::make_unique<Implementation>()) {
     sem_t* semaphore = sem_open(name.c_str(), O_CREAT, everybodyReadsAndWrites, freeValue);
     if (semaphore == SEM_FAILED) {
-        VyLog(VyLog::Error, sourceFile, openFailedLine, 0).stream()
-            << "MultiProcessLock: sem_open failed";
+        VyLog(VyLog::Error, sourceFile, openFailedLine, 0)
+            .append("MultiProcessLock: sem_open failed");
         return;
     }
     implementation_->semaphore = semaphore;

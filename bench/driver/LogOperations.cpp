@@ -18,8 +18,12 @@ using com_qel::VyLog;
 
 void nothing() {}
 
-void writeRecord(VyLog::Level level) {
+void streamRecord(VyLog::Level level) {
     VyLog(level, logSourcePath, logLine, 0).stream() << logText << logReason;
+}
+
+void appendRecord(VyLog::Level level) {
+    VyLog(level, logSourcePath, logLine, 0).append(logText).append(logReason);
 }
 
 // One look whatever the number of lines: reading the file would count as the lines' cost.
@@ -44,13 +48,14 @@ void configure(const char* type, const std::string& path) {
     setVariable("VRAX_LOG_SIZE", "2000000000");
 }
 
-void writtenLines(const char* type, long count) {
+template <class WriteRecord>
+void writtenLines(const char* type, long count, WriteRecord writeRecord) {
     const vantric_test::TemporaryFolder folder;
     const std::string path = folder / "driver.log";
     configure(type, path);
     repeat(
         count,
-        [] {
+        [=] {
             writeRecord(VyLog::Error);
             return true;
         },
@@ -65,7 +70,7 @@ void belowThreshold(long count) {
     repeat(
         count,
         [] {
-            writeRecord(VyLog::Info);
+            streamRecord(VyLog::Info);
             return true;
         },
         nothing);
@@ -88,8 +93,10 @@ void logFloor(long count) {
 NamedOperations logOperations() {
     return {
         {"floorLogFile", logFloor},
-        {"logFile", [](long count) { writtenLines("text_file", count); }},
-        {"logRollingFile", [](long count) { writtenLines("rolling_text_file", count); }},
+        {"logFile", [](long count) { writtenLines("text_file", count, streamRecord); }},
+        {"logFileAppended", [](long count) { writtenLines("text_file", count, appendRecord); }},
+        {"logRollingFile",
+         [](long count) { writtenLines("rolling_text_file", count, streamRecord); }},
         {"logBelowThreshold", belowThreshold},
     };
 }

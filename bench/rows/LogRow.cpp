@@ -30,8 +30,13 @@ void addWriter(const char* role, const char* what, const std::string& path) {
                  [=] { return writer->write(logSourceName, logLine, logText, logReason); });
 }
 
-bool record(VyLog::Level level) {
+bool streamRecord(VyLog::Level level) {
     VyLog(level, logSourcePath, logLine, 0).stream() << logText << logReason;
+    return true;
+}
+
+bool appendRecord() {
+    VyLog(VyLog::Error, logSourcePath, logLine, 0).append(logText).append(logReason);
     return true;
 }
 
@@ -45,8 +50,9 @@ void registerRows() {
     setVariable("VRAX_LOG_TYPE", "text_file");
     setVariable("VRAX_LOG_NAME", folder / "product.log");
     addWriter<LogFloor>(floorRole, "by hand", folder / "floor.log");
-    addOperation(row, productRole, "to a file", [] { return record(VyLog::Error); });
-    addOperation(row, productRole, "below the threshold", [] { return record(VyLog::Info); });
+    addOperation(row, productRole, "to a file", [] { return streamRecord(VyLog::Error); });
+    addOperation(row, productRole, "to a file, without a stream", appendRecord);
+    addOperation(row, productRole, "below the threshold", [] { return streamRecord(VyLog::Info); });
     addWriter<SpdlogFile>(peerRole, "spdlog", folder / "spdlog.log");
     addWriter<StreamFile>(peerRole, "string stream and file stream, fresh stamp",
                           folder / "stream.log");
