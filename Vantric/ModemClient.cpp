@@ -24,7 +24,7 @@ using ClientServer::ModemCommand;
 constexpr const char* sourceFile = "Vantric/ModemClient";
 constexpr int64_t stalenessLimitSeconds = 300;
 
-// A record that cannot be built (out of memory) is lost: no exception leaves the client.
+// A log that cannot be configured (out of memory) loses the record: no exception leaves the client.
 void logError(int line, const char* text, const std::exception& error) noexcept {
     try {
         VyLog(VyLog::Error, sourceFile, line, 0).append(text).append(error.what());

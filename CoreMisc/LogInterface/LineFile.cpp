@@ -1,25 +1,42 @@
 #include "CoreMisc/LogInterface/LineFile.h"
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
+#include <string_view>
 
 namespace com_qel::Korvel::LogInterface {
 
 namespace {
 
+static_assert(sizeof(off_t) == sizeof(int64_t), "a log may outgrow a 32-bit offset");
+
 constexpr mode_t everybodyReadsAndWrites = 0666;
 
-// Usually in one piece; a pipe or a full disk may take less.
-bool writeAll(int descriptor, const std::string& bytes) {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (count > 0) {
-            done += static_cast<std::size_t>(count);
-        } else if (count == 0 || errno != EINTR) {
+// What writev() takes, which never changes the bytes.
+iovec partOf(std::string_view bytes) {
+    return {const_cast<char*>(bytes.data()), bytes.size()};
+}
+
+void dropFront(iovec& part, std::size_t count) {
+    part.iov_base = static_cast<char*>(part.iov_base) + count;
+    part.iov_len -= count;
+}
+
+bool writeAll(int descriptor, std::string_view line) {
+    iovec parts[] = {partOf(line), partOf("\n")};
+    while (parts[1].iov_len != 0) {
+        const ssize_t result = writev(descriptor, parts, 2);
+        if (result > 0) {
+            const auto count = static_cast<std::size_t>(result);
+            const std::size_t ofLine = std::min(count, parts[0].iov_len);
+            dropFront(parts[0], ofLine);
+            dropFront(parts[1], count - ofLine);
+        } else if (result == 0 || errno != EINTR) {
             return false;
         }
     }
@@ -52,8 +69,7 @@ void LineFile::close() {
 
 void LineFile::write(const char* line) {
     if (!hasFailed_) {
-        lineWithEnd_.assign(line) += '\n';
-        hasFailed_ = !writeAll(descriptor_, lineWithEnd_);
+        hasFailed_ = !writeAll(descriptor_, line);
     }
 }
 

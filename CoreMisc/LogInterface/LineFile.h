@@ -1,8 +1,9 @@
-// The file behind a back-end: an output stream of whole lines, each written with one system call.
+// The file behind a back-end: an output stream of whole lines, each written with one call of the
+// system unless that takes less than all of it.
 //
 // Like a standard file stream it reports nothing: once it could not be opened or a write failed, it
 // has failed, and every later line is lost until it is opened again.
-// Ownership: closes its file when destroyed.
+// Ownership: closes its file when destroyed. Programs that the process starts do not inherit it.
 #pragma once
 
 #include <cstdint>
@@ -19,16 +20,17 @@ class LineFile {
     LineFile(const LineFile&) = delete;
     LineFile& operator=(const LineFile&) = delete;
 
+    // Whether there is a file, failed or not.
     bool isOpen() const { return descriptor_ != closed; }
 
     // Creates or empties the file and forgets earlier failures. Closed before the call.
     void open(const std::string& path);
 
-    // No line is pending: there is nothing that could fail.
+    // Does nothing when there is no file. A failure does not count: every line has been written,
+    // and the next open() decides what becomes of later ones.
     void close();
 
-    // Adds `line`, NUL-terminated, and a line end. Throws std::bad_alloc when there is no memory
-    // for a copy.
+    // Adds `line`, NUL-terminated, and a line end.
     void write(const char* line);
 
     // Where the next line goes, in bytes; -1 when that cannot be told, as after a failure.
@@ -39,7 +41,6 @@ class LineFile {
 
     int descriptor_ = closed;
     bool hasFailed_ = false;
-    std::string lineWithEnd_;
 };
 
 }  // namespace com_qel::Korvel::LogInterface

@@ -47,12 +47,15 @@ class VyLog {
     VyLog& operator=(const VyLog&) = delete;
 
     // Where the message goes. After a trace record's header the stream is left-adjusted.
-    // The stream is lent to this record and has the state of a new one; what a caller keeps in its
-    // iword() and pword() outlives the record. Throws std::bad_alloc.
+    // The stream cannot be positioned. It is lent to this record and formats like a new one; what a
+    // caller leaves in its iword() and pword() or registers as a callback outlives the record.
+    // Throws std::bad_alloc.
     std::ostream& stream();
 
-    // Adds a piece of the message without a stream. A number is written in decimal.
+    // Adds a text to the message, without a stream. Not a null pointer.
     VyLog& append(std::string_view text) noexcept;
+
+    // Adds an integer in decimal: of any type, a char as well, up to int64_t's greatest.
     VyLog& append(int64_t number) noexcept;
 
     // The trace categories to be written, one bit each; 0 at start. The caller compares.

@@ -37,8 +37,8 @@ class TextBuffer final : public std::streambuf {
 }  // namespace
 
 // Making a stream costs more than all the rest of a record, nearly all of it the locale's. So the
-// stream of the last record is kept for the next. Records inside records and on other threads find
-// none kept and make their own.
+// stream of the last record is kept for the next. A record that is streamed while another has it,
+// or after the global locale has changed, gets one of its own.
 class VyLog::Stream {
   public:
     static LentStream lendFor(std::string& text) {
@@ -56,7 +56,7 @@ class VyLog::Stream {
   private:
     static void takeBack(Stream* lent) { delete kept.exchange(lent); }
 
-    // To the state of a new stream.
+    // Makes it format, and fail, like a new one.
     void renewFor(std::string& text) {
         buffer_.addTo(text);
         stream_.exceptions(std::ios_base::goodbit);

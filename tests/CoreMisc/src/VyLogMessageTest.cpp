@@ -227,7 +227,7 @@ TEST_F(Message, goesOnWithoutAPieceForWhichThereIsNoMemory) {
     EXPECT_EQ(written(), Records{"before after"});
 }
 
-TEST_F(Message, goesOnWithoutAStreamedPieceForWhichThereIsNoMemory) {
+TEST_F(Message, endsAtAStreamedPieceForWhichThereIsNoMemory) {
     const std::string text(1000, 'x');
     {
         VyLog record(VyLog::Info, "f", 1, 0);
@@ -236,6 +236,7 @@ TEST_F(Message, goesOnWithoutAStreamedPieceForWhichThereIsNoMemory) {
             const Allocations noMemory(1);
             EXPECT_NO_THROW(record.stream() << text);
         }
+        record.stream() << "after";
         EXPECT_TRUE(record.stream().bad());
     }
     EXPECT_EQ(written(), Records{"before"});
