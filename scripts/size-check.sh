@@ -29,9 +29,13 @@ build() {
         || { cat "build/size/$architecture-$runtime.log"; exit 1; }
 }
 
-# Kilobytes that the program has in memory at the most, by the kernel's account.
+# Kilobytes that the program has in memory at the most, by the kernel's account: the median of some runs,
+# because the kernel maps what lies beside a page as it likes and counts in batches.
 peak_memory() {
-    { command time --format %M "$1" --help > /dev/null; } 2>&1
+    local run
+    for run in {1..41}; do
+        { command time --format %M "$1" --help > /dev/null; } 2>&1
+    done | sort --numeric-sort | sed -n 21p
 }
 
 # Prints a line of the table; fails above the budget.
