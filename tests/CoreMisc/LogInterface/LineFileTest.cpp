@@ -26,6 +26,13 @@ namespace {
 
 constexpr std::size_t moreThanAPipeHolds = 1000000;
 
+// The descriptor that the next file to be opened will get.
+int nextDescriptor() {
+    const int descriptor = open("/dev/null", O_RDONLY);
+    close(descriptor);
+    return descriptor;
+}
+
 // A pipe's end that reads, with a bound on every wait.
 class PipeReader {
   public:
@@ -117,8 +124,7 @@ TEST(LineFile, isCreatedForEverybodyLessTheUmask) {
 
 TEST(LineFile, isNotInheritedByOtherPrograms) {
     const TemporaryFolder folder;
-    const int next = dup(STDIN_FILENO);
-    close(next);
+    const int next = nextDescriptor();
     const LineFile file(folder / "log");
     EXPECT_EQ(fcntl(next, F_GETFD), FD_CLOEXEC);
 }
@@ -208,8 +214,7 @@ TEST(LineFile, growsBeyondWhatA32BitOffsetCounts) {
     constexpr int64_t threeGigabytes = int64_t{3} << 30;
     const TemporaryFolder folder;
     const std::string path = folder / "log";
-    const int next = dup(STDIN_FILENO);
-    close(next);
+    const int next = nextDescriptor();
     LineFile file(path);
     ASSERT_EQ(lseek64(next, threeGigabytes, SEEK_SET), threeGigabytes);
     file.write("line");

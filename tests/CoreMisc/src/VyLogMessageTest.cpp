@@ -21,11 +21,11 @@ namespace {
 constexpr const char* header = "info:    INFO|";
 
 // Records without file and line, collected.
-class Message : public testing::Test {
+class VyLogMessage : public testing::Test {
   protected:
-    Message() { VyLog::SetShowFileLine(false); }
+    VyLogMessage() { VyLog::SetShowFileLine(false); }
 
-    // What was written since the last call, without headers.
+    // What has been written, without headers.
     Records written() const {
         Records messages;
         for (const std::string& record : capture_.records()) {
@@ -64,12 +64,12 @@ std::ostream& operator<<(std::ostream& stream, const LogsWhenInserted&) {
 
 }  // namespace
 
-TEST_F(Message, consistsOfItsAppendedPiecesInOrder) {
+TEST_F(VyLogMessage, consistsOfItsAppendedPiecesInOrder) {
     infoRecord().append("text ").append(std::string("string ")).append(7).append("!");
     EXPECT_EQ(written(), Records{"text string 7!"});
 }
 
-TEST_F(Message, appendsEveryIntegerWhole) {
+TEST_F(VyLogMessage, appendsEveryIntegerWhole) {
     constexpr int64_t least = std::numeric_limits<int64_t>::min();
     constexpr int64_t greatest = std::numeric_limits<int64_t>::max();
     constexpr uint32_t greatestWord = std::numeric_limits<uint32_t>::max();
@@ -78,13 +78,13 @@ TEST_F(Message, appendsEveryIntegerWhole) {
     EXPECT_EQ(written(), (Records{"0 -1 4294967295", "-9223372036854775808 9223372036854775807"}));
 }
 
-TEST_F(Message, appendsTextsOfAnyLength) {
+TEST_F(VyLogMessage, appendsTextsOfAnyLength) {
     const std::string text(100000, 'x');
     infoRecord().append("").append(text);
     EXPECT_EQ(written(), Records{text});
 }
 
-TEST_F(Message, keepsTheOrderOfAppendedAndStreamedPieces) {
+TEST_F(VyLogMessage, keepsTheOrderOfAppendedAndStreamedPieces) {
     {
         VyLog record(VyLog::Info, "f", 1, 0);
         record.append("a");
@@ -94,7 +94,7 @@ TEST_F(Message, keepsTheOrderOfAppendedAndStreamedPieces) {
     EXPECT_EQ(written(), Records{"abcd"});
 }
 
-TEST_F(Message, appendsInDecimalWhateverTheStreamIsSetTo) {
+TEST_F(VyLogMessage, appendsInDecimalWhateverTheStreamIsSetTo) {
     {
         VyLog record(VyLog::Info, "f", 1, 0);
         record.stream() << std::hex << std::setw(8) << 255;
@@ -103,7 +103,7 @@ TEST_F(Message, appendsInDecimalWhateverTheStreamIsSetTo) {
     EXPECT_EQ(written(), Records{"      ff255"});
 }
 
-TEST_F(Message, takesWhatIsWrittenPastTheInsertionOperators) {
+TEST_F(VyLogMessage, takesWhatIsWrittenPastTheInsertionOperators) {
     {
         VyLog record(VyLog::Info, "f", 1, 0);
         record.stream().put('a').write("bcd", 2) << std::flush;
@@ -113,7 +113,7 @@ TEST_F(Message, takesWhatIsWrittenPastTheInsertionOperators) {
     EXPECT_EQ(written(), Records{"abcd\n"});
 }
 
-TEST_F(Message, hasAStreamInTheStateOfANewOne) {
+TEST_F(VyLogMessage, hasAStreamInTheStateOfANewOne) {
     std::ostringstream other;
     {
         VyLog record(VyLog::Info, "f", 1, 0);
@@ -139,7 +139,7 @@ TEST_F(Message, hasAStreamInTheStateOfANewOne) {
     EXPECT_EQ(written(), (Records{"", "   1011.23457"}));
 }
 
-TEST_F(Message, hasAStreamThatDoesNotThrowAfterOneThatDid) {
+TEST_F(VyLogMessage, hasAStreamThatDoesNotThrowAfterOneThatDid) {
     {
         VyLog record(VyLog::Info, "f", 1, 0);
         record.stream().exceptions(std::ios_base::failbit);
@@ -154,7 +154,7 @@ TEST_F(Message, hasAStreamThatDoesNotThrowAfterOneThatDid) {
     EXPECT_EQ(written(), (Records{"", "", "text"}));
 }
 
-TEST_F(Message, hasItsStreamBackAfterOneThatWasSentElsewhere) {
+TEST_F(VyLogMessage, hasItsStreamBackAfterOneThatWasSentElsewhere) {
     std::ostringstream elsewhere;
     {
         VyLog record(VyLog::Info, "f", 1, 0);
@@ -166,7 +166,7 @@ TEST_F(Message, hasItsStreamBackAfterOneThatWasSentElsewhere) {
     EXPECT_EQ(written(), (Records{"", "here"}));
 }
 
-TEST_F(Message, doesNotInheritTheLocaleOfAnEarlierRecord) {
+TEST_F(VyLogMessage, doesNotInheritTheLocaleOfAnEarlierRecord) {
     {
         VyLog record(VyLog::Info, "f", 1, 0);
         record.stream().imbue(groupingLocale());
@@ -176,7 +176,7 @@ TEST_F(Message, doesNotInheritTheLocaleOfAnEarlierRecord) {
     EXPECT_EQ(written(), (Records{"1'234'567", "1234567"}));
 }
 
-TEST_F(Message, isStreamedInTheGlobalLocaleOfItsTime) {
+TEST_F(VyLogMessage, isStreamedInTheGlobalLocaleOfItsTime) {
     infoRecord().stream() << 1234567;
     const std::locale before = std::locale::global(groupingLocale());
     infoRecord().stream() << 1234567;
@@ -185,19 +185,19 @@ TEST_F(Message, isStreamedInTheGlobalLocaleOfItsTime) {
     EXPECT_EQ(written(), (Records{"1234567", "1'234'567", "1234567"}));
 }
 
-TEST_F(Message, isAppendedInDecimalWhateverTheGlobalLocale) {
+TEST_F(VyLogMessage, isAppendedInDecimalWhateverTheGlobalLocale) {
     const std::locale before = std::locale::global(groupingLocale());
     infoRecord().append(1234567);
     std::locale::global(before);
     EXPECT_EQ(written(), Records{"1234567"});
 }
 
-TEST_F(Message, mayLogWhileItIsBeingStreamed) {
+TEST_F(VyLogMessage, mayLogWhileItIsBeingStreamed) {
     infoRecord().stream() << "outer " << LogsWhenInserted() << " outer";
     EXPECT_EQ(written(), (Records{"inner ff", "outer 255 outer"}));
 }
 
-TEST_F(Message, hasAStreamOfItsOwnWhileOthersAreOpen) {
+TEST_F(VyLogMessage, hasAStreamOfItsOwnWhileOthersAreOpen) {
     {
         VyLog first(VyLog::Info, "f", 1, 0);
         VyLog second(VyLog::Info, "f", 1, 0);
@@ -213,7 +213,7 @@ TEST_F(Message, hasAStreamOfItsOwnWhileOthersAreOpen) {
     EXPECT_EQ(written(), (Records{"1011", "+10+11", "ab"}));
 }
 
-TEST_F(Message, goesOnWithoutAPieceForWhichThereIsNoMemory) {
+TEST_F(VyLogMessage, goesOnWithoutAPieceForWhichThereIsNoMemory) {
     const std::string text(1000, 'x');
     {
         VyLog record(VyLog::Info, "f", 1, 0);
@@ -227,7 +227,7 @@ TEST_F(Message, goesOnWithoutAPieceForWhichThereIsNoMemory) {
     EXPECT_EQ(written(), Records{"before after"});
 }
 
-TEST_F(Message, endsAtAStreamedPieceForWhichThereIsNoMemory) {
+TEST_F(VyLogMessage, endsAtAStreamedPieceForWhichThereIsNoMemory) {
     const std::string text(1000, 'x');
     {
         VyLog record(VyLog::Info, "f", 1, 0);
@@ -242,7 +242,7 @@ TEST_F(Message, endsAtAStreamedPieceForWhichThereIsNoMemory) {
     EXPECT_EQ(written(), Records{"before"});
 }
 
-TEST_F(Message, throwsWhenThereIsNoMemoryForItsStream) {
+TEST_F(VyLogMessage, throwsWhenThereIsNoMemoryForItsStream) {
     VyLog outer(VyLog::Info, "f", 1, 0);
     outer.stream() << "outer";
     {
