@@ -3,7 +3,6 @@
 #include <time.h>
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 #include <limits>
 #include <stdexcept>
@@ -13,7 +12,7 @@
 #include "Vantric/ClientServer/SharedMemoryModemState.h"
 #include "Vantric/StateReader.h"
 #include "Vantric/Utils/ImmortalKeeper.h"
-#include "Vantric/Utils/PollInterval.h"
+#include "Vantric/Utils/Waiting.h"
 
 namespace com_qel::Orvane::Vantric {
 
@@ -57,7 +56,24 @@ void requireFresh(const ModemState& state) {
     }
 }
 
-// Joins the fields of a payload; a field that contains the separator is not escaped.
+const std::string& textOf(const std::string& field) {
+    return field;
+}
+
+std::string textOf(int32_t field) {
+    return std::to_string(field);
+}
+
+// A command's payload: its fields as texts, joined. A field that contains the separator is not
+// escaped. A single text is the payload as it stands, without a copy.
+std::string joined() {
+    return {};
+}
+
+const std::string& joined(const std::string& only) {
+    return only;
+}
+
 template <class... Fields>
 std::string joined(const std::string& first, const Fields&... others) {
     std::string payload;
@@ -87,7 +103,14 @@ struct ModemClient::Implementation {
         return record;
     }
 
-    bool send(ModemCommand command, const std::string& payload = {}) {
+    // Queues `command` with `fields`, texts or numbers. Fails while not connected and when memory
+    // runs out.
+    template <class... Fields>
+    bool send(ModemCommand command, const Fields&... fields) {
+        return succeeds([&] { return sendPayload(command, joined(textOf(fields)...)); });
+    }
+
+    bool sendPayload(ModemCommand command, const std::string& payload) {
         // The channel drops what exceeds its ring, and must not see the size modulo 2^32.
         const auto size = static_cast<uint32_t>(std::min<std::size_t>(payload.size(), UINT32_MAX));
         return commands != nullptr &&
@@ -95,8 +118,8 @@ struct ModemClient::Implementation {
     }
 
     // Sends `command` and waits until the server has refreshed the record that `reader` reads.
-    // The time is taken before each sleep: the last look may come one interval after the deadline
-    // and still counts.
+    // The deadline is checked before each sleep, so the last poll may come one interval after it
+    // and still count.
     template <class T>
     bool refresh(ModemCommand command, StateReader<T>& reader, uint32_t timeoutSeconds, T& record) {
         reader.read(record);
@@ -104,11 +127,10 @@ struct ModemClient::Implementation {
         if (!send(command)) {
             return false;
         }
-        const auto deadline =
-            std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
+        const Deadline deadline(timeoutSeconds);
         bool isInTime = true;
         while (isInTime) {
-            isInTime = std::chrono::steady_clock::now() < deadline;
+            isInTime = !deadline.hasPassed();
             sleepForPollInterval();
             reader.read(record);
             if (record.updateCounter != previousCounter) {
@@ -157,9 +179,9 @@ bool ModemClient::setConnectivityType(int32_t type) {
         case ConnectivityType::None:
             return true;
         case ConnectivityType::Wifi:
-            return succeeds([&] { return implementation_->send(ModemCommand::SwitchToWifi); });
+            return implementation_->send(ModemCommand::SwitchToWifi);
         case ConnectivityType::Carrier:
-            return succeeds([&] { return implementation_->send(ModemCommand::SwitchToCarrier); });
+            return implementation_->send(ModemCommand::SwitchToCarrier);
     }
     return false;
 }
@@ -172,7 +194,7 @@ bool ModemClient::getWifiSSID(std::string& ssid) {
 }
 
 bool ModemClient::setWifiSSID(const std::string& ssid) {
-    return succeeds([&] { return implementation_->send(ModemCommand::SetWifiSsid, ssid); });
+    return implementation_->send(ModemCommand::SetWifiSsid, ssid);
 }
 
 bool ModemClient::getWifiAvailableListBlocking(std::vector<WifiInfo>& list,
@@ -183,7 +205,8 @@ bool ModemClient::getWifiAvailableListBlocking(std::vector<WifiInfo>& list,
                                       timeoutSeconds, found)) {
             return false;
         }
-        const int32_t count = std::clamp<int32_t>(found.count, 0, WifiInfosList::maximumCount);
+        const int32_t count =
+            std::clamp<int32_t>(int32_t{found.count}, 0, WifiInfosList::maximumCount);
         list.reserve(static_cast<std::size_t>(count));
         list.clear();
         for (int32_t index = 0; index < count; ++index) {
@@ -221,28 +244,20 @@ bool ModemClient::getWifiPasswordAndEncryptionType(int32_t& encryptionType, std:
 
 bool ModemClient::setWifiPasswordAndEncryptionType(const int32_t& encryptionType,
                                                    const std::string& password) {
-    return succeeds([&] {
-        return implementation_->send(ModemCommand::SetWifiPasswordAndEncryptionType,
-                                     joined(std::to_string(encryptionType), password));
-    });
+    return implementation_->send(ModemCommand::SetWifiPasswordAndEncryptionType, encryptionType,
+                                 password);
 }
 
 bool ModemClient::setWifiConnection(const std::string& ssid, const int32_t& encryptionType,
                                     const std::string& password) {
-    return succeeds([&] {
-        return implementation_->send(ModemCommand::SetWifiConnection,
-                                     joined(ssid, std::to_string(encryptionType), password));
-    });
+    return implementation_->send(ModemCommand::SetWifiConnection, ssid, encryptionType, password);
 }
 
 bool ModemClient::setWifiConnectionRadius(const std::string& ssid, const int32_t& encryptionType,
                                           const std::string& username,
                                           const std::string& password) {
-    return succeeds([&] {
-        return implementation_->send(
-            ModemCommand::SetWifiConnectionRadius,
-            joined(ssid, std::to_string(encryptionType), username, password));
-    });
+    return implementation_->send(ModemCommand::SetWifiConnectionRadius, ssid, encryptionType,
+                                 username, password);
 }
 
 bool ModemClient::getHostname(std::string& hostname) {
@@ -256,7 +271,7 @@ bool ModemClient::getHostname(std::string& hostname) {
 }
 
 bool ModemClient::setConfig(const std::string& configFilename) {
-    return succeeds([&] { return implementation_->send(ModemCommand::SetConfig, configFilename); });
+    return implementation_->send(ModemCommand::SetConfig, configFilename);
 }
 
 bool ModemClient::getWifiConnectionState(std::string& state) {
@@ -267,12 +282,11 @@ bool ModemClient::getWifiConnectionState(std::string& state) {
 }
 
 bool ModemClient::sendTextCommand(const std::string& text) {
-    return succeeds([&] { return implementation_->send(ModemCommand::SendText, text); });
+    return implementation_->send(ModemCommand::SendText, text);
 }
 
 bool ModemClient::sendTextPairCommand(const std::string& first, const std::string& second) {
-    return succeeds(
-        [&] { return implementation_->send(ModemCommand::SendTextPair, joined(first, second)); });
+    return implementation_->send(ModemCommand::SendTextPair, first, second);
 }
 
 }  // namespace com_qel::Orvane::Vantric

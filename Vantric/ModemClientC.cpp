@@ -1,24 +1,36 @@
 #include "Vantric/ModemClientC.h"
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 #include <new>
 
 #include "CoreMisc/src/VyLog.h"
 #include "Vantric/ModemClient.h"
-#include "Vantric/Utils/PollInterval.h"
+#include "Vantric/Utils/Waiting.h"
 
 namespace {
 
 using com_qel::VyLog;
+using com_qel::Orvane::Vantric::Deadline;
 using com_qel::Orvane::Vantric::EncryptionType;
 using com_qel::Orvane::Vantric::ModemClient;
 using com_qel::Orvane::Vantric::sleepForPollInterval;
-using TimePoint = std::chrono::steady_clock::time_point;
 
 constexpr const char* sourceFile = "Vantric/ModemClientC";
 constexpr const char* noConnectionState = "N/A";
+
+constexpr bool isSame(ModemClientEncryption name, EncryptionType type) {
+    return static_cast<int32_t>(name) == static_cast<int32_t>(type);
+}
+
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_NONE, EncryptionType::None));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA_PSK, EncryptionType::WpaPsk));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA2_PSK, EncryptionType::Wpa2Psk));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA_WPA2_PSK, EncryptionType::WpaWpa2Psk));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA_ENTERPRISE, EncryptionType::WpaEnterprise));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA2_ENTERPRISE, EncryptionType::Wpa2Enterprise));
+static_assert(isSame(MODEM_CLIENT_ENCRYPTION_WPA_WPA2_ENTERPRISE,
+                     EncryptionType::WpaWpa2Enterprise));
 
 ModemClient* clientOf(ModemClientHandle handle) {
     return reinterpret_cast<ModemClient*>(handle);
@@ -38,14 +50,6 @@ bool guarded(Action action, const Pointers*... pointers) noexcept {
     }
 }
 
-TimePoint deadlineAfter(TimePoint start, uint32_t timeoutSeconds) {
-    return start + std::chrono::seconds(timeoutSeconds);
-}
-
-bool hasPassed(TimePoint deadline) {
-    return std::chrono::steady_clock::now() >= deadline;
-}
-
 void logTimeout(int line, const char* operation, uint32_t timeoutSeconds) {
     VyLog(VyLog::Warning, sourceFile, line, 0)
         .append(operation)
@@ -58,7 +62,7 @@ void logTimeout(int line, const char* operation, uint32_t timeoutSeconds) {
 template <class Request>
 bool setConnectionBlocking(ModemClientHandle handle, uint32_t timeoutSeconds, const char* operation,
                            Request request) {
-    const TimePoint start = std::chrono::steady_clock::now();
+    const Deadline deadline(timeoutSeconds);
     if (!modemClientForgetWifiBlocking(handle, timeoutSeconds)) {
         VyLog(VyLog::Error, sourceFile, __LINE__, 0)
             .append(operation)
@@ -71,8 +75,7 @@ bool setConnectionBlocking(ModemClientHandle handle, uint32_t timeoutSeconds, co
     if (!isKnown || !isRequested) {
         return false;
     }
-    const TimePoint deadline = deadlineAfter(start, timeoutSeconds);
-    while (!hasPassed(deadline)) {
+    while (!deadline.hasPassed()) {
         std::string state;
         if (clientOf(handle)->getWifiConnectionState(state) && state != before &&
             state != noConnectionState) {
@@ -166,16 +169,15 @@ bool modemClientGetModemStatusBlocking(ModemClientHandle handle, ModemStatus* st
 bool modemClientForgetWifiBlocking(ModemClientHandle handle, uint32_t timeoutSeconds) {
     return guarded(
         [&] {
-            constexpr auto noEncryption = static_cast<int32_t>(EncryptionType::None);
+            constexpr int32_t noEncryption = MODEM_CLIENT_ENCRYPTION_NONE;
             if (!clientOf(handle)->setWifiPasswordAndEncryptionType(noEncryption, "0")) {
                 return false;
             }
-            const TimePoint deadline =
-                deadlineAfter(std::chrono::steady_clock::now(), timeoutSeconds);
+            const Deadline deadline(timeoutSeconds);
             std::string password;
             int32_t encryptionType = noEncryption;
-            while (!hasPassed(deadline)) {
-                // A failed read is repeated at once: the next one either fails or finds zeros.
+            while (!deadline.hasPassed()) {
+                // A failed read is repeated at once, as the contract says.
                 if (!clientOf(handle)->getWifiPasswordAndEncryptionType(encryptionType, password)) {
                     continue;
                 }

@@ -7,7 +7,8 @@ namespace com_qel::Orvane::Vantric {
 
 namespace {
 
-constexpr const char* connectivityTypeNames[] = {"None", "Wifi", "Carrier"};
+// In each table the last name stands for every value without a name of its own.
+constexpr const char* connectivityTypeNames[] = {"None", "Wifi", "Carrier", "Unknown connectivity"};
 
 // "WPA(PSK)" without a blank is how the product writes it.
 constexpr const char* encryptionTypeNames[] = {
@@ -18,15 +19,16 @@ constexpr const char* encryptionTypeNames[] = {
     "WPA Enterprise (RADIUS)",
     "WPA2 Enterprise (RADIUS)",
     "WPA+WPA2 Enterprise (RADIUS)",
+    "Unknown encryption type",
 };
 
 template <std::size_t count>
-const char* nameOf(int32_t value, const char* const (&names)[count], const char* fallback) {
+const char* nameOf(int32_t value, const char* const (&names)[count]) {
     const auto index = static_cast<uint32_t>(value);  // no name has a negative value
-    return index < count ? names[index] : fallback;
+    return names[std::min<std::size_t>(index, count - 1)];
 }
 
-// Copies `text` and its NUL; what lies behind stays as it is.
+// Copies `text` and its NUL; the bytes after it stay as they are.
 template <std::size_t size>
 void copyText(char (&field)[size], std::string_view text) {
     const std::size_t length = std::min(text.size(), size - 1);
@@ -34,25 +36,21 @@ void copyText(char (&field)[size], std::string_view text) {
     field[length] = '\0';
 }
 
-const char* nameOfEncryption(int32_t type) {
-    return nameOf(type, encryptionTypeNames, "Unknown encryption type");
-}
-
 }  // namespace
 
 std::string connectivityTypeName(int32_t type) {
-    return nameOf(type, connectivityTypeNames, "Unknown connectivity");
+    return nameOf(type, connectivityTypeNames);
 }
 
 std::string encryptionTypeName(int32_t type) {
-    return nameOfEncryption(type);
+    return nameOf(type, encryptionTypeNames);
 }
 
 WifiInfo makeWifiInfo(const WifiListEntry& entry) {
     WifiInfo info = {};
     copyText(info.ssid, fieldView(entry.ssid));
     info.encryptionType = entry.encryptionType;
-    copyText(info.encryptionName, nameOfEncryption(entry.encryptionType));
+    copyText(info.encryptionName, nameOf(entry.encryptionType, encryptionTypeNames));
     info.signalLevel = entry.signalLevel;
     return info;
 }
@@ -60,7 +58,7 @@ WifiInfo makeWifiInfo(const WifiListEntry& entry) {
 ModemStatus makeModemStatus(const ModemStateExtended& state) {
     ModemStatus status;
     std::memcpy(&status, &state, sizeof(status));
-    copyText(status.wifiEncryptionName, nameOfEncryption(state.wifiEncryptionType));
+    copyText(status.wifiEncryptionName, nameOf(state.wifiEncryptionType, encryptionTypeNames));
     return status;
 }
 

@@ -1,17 +1,16 @@
-#include "client/CInterfaceCommands.h"
-
 #include <chrono>
 
 #include "Vantric/ModemClientC.h"
 #include "Vantric/ModemState.h"
 #include "Vantric/Utils/ImmortalKeeper.h"
+#include "client/Commands.h"
 #include "client/Output.h"
 
 namespace vantricprobe {
 
 namespace {
 
-using com_qel::Orvane::Vantric::fieldText;
+using com_qel::Orvane::Vantric::fieldView;
 using com_qel::Orvane::Vantric::keepUntilProcessEnds;
 using MonotonicClock = std::chrono::steady_clock;
 
@@ -38,20 +37,12 @@ void runWithHandle(Body body) {
 }
 
 void printStatus(const ModemStatus& status) {
-    write("Carrier:\n\tSignal level: ");
-    write(int64_t{status.carrierSignalLevel});
-    write("\nWifi:\n\tSignal level: ");
-    write(int64_t{status.wifiSignalLevel});
-    write("\n\tSSID:         ");
-    write(fieldText(status.wifiSsid));
-    write("\n\tEncryption:   ");
-    write(fieldText(status.wifiEncryptionName));
-    write("\n\tIPv4:         ");
-    write(fieldText(status.ipv4Address));
-    write("\n\tMAC Address:  ");
-    write(fieldText(status.macAddress));
-    write("\n");
-    endLine();
+    writeLine("Carrier:\n\tSignal level: ", int64_t{status.carrierSignalLevel},
+              "\nWifi:\n\tSignal level: ", int64_t{status.wifiSignalLevel},
+              "\n\tSSID:         ", fieldView(status.wifiSsid),
+              "\n\tEncryption:   ", fieldView(status.wifiEncryptionName),
+              "\n\tIPv4:         ", fieldView(status.ipv4Address),
+              "\n\tMAC Address:  ", fieldView(status.macAddress), "\n");
 }
 
 }  // namespace

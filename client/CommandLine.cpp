@@ -4,12 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "client/CInterfaceCommands.h"
-#include "client/ConfigCommands.h"
-#include "client/ConnectivitySwitch.h"
+#include "client/Commands.h"
 #include "client/Output.h"
-#include "client/StatusMonitor.h"
-#include "client/WifiCommands.h"
 
 namespace vantricprobe {
 
@@ -51,11 +47,15 @@ constexpr Option options[] = {
     {"-h", nullptr, nullptr},
     {"--help", nullptr, nullptr},
     {"--status", monitorStatus, nullptr},
-    {"--enablewifi", [] { switchConnectivity(ConnectivityType::Wifi, false); }, nullptr},
+    {"--enablewifi", [] { switchConnectivity(ConnectivityType::Wifi, AfterRequest::Return); },
+     nullptr},
     // Carrier takes over: there is no separate way to disable wifi.
-    {"--disablewifi", [] { switchConnectivity(ConnectivityType::Carrier, false); }, nullptr},
-    {"--switchtowifi", [] { switchConnectivity(ConnectivityType::Wifi, true); }, nullptr},
-    {"--switchtocarrier", [] { switchConnectivity(ConnectivityType::Carrier, true); }, nullptr},
+    {"--disablewifi", [] { switchConnectivity(ConnectivityType::Carrier, AfterRequest::Return); },
+     nullptr},
+    {"--switchtowifi",
+     [] { switchConnectivity(ConnectivityType::Wifi, AfterRequest::WaitForChange); }, nullptr},
+    {"--switchtocarrier",
+     [] { switchConnectivity(ConnectivityType::Carrier, AfterRequest::WaitForChange); }, nullptr},
     {"--setwifi", nullptr, setWifiName},
     {"--setConfig", nullptr, setConfig},
     {"--setConfigKeepWifi", nullptr, setConfigKeepWifi},

@@ -4,9 +4,9 @@
 namespace vantricprobe {
 
 // Runs the commands that the arguments name, in order, and returns the exit status, which is always
-// 0. The program's own name is examined like every other argument. A word that is no option is
-// skipped, and so is, in its turn, an option's value unless it is an option itself.
-// Throws std::logic_error when the value of an option is missing; nobody is to catch that.
+// 0. Every word is compared with the options, the program's own name and the values of options
+// included. A word that is no option is skipped.
+// Throws std::logic_error, meant to abort the program, when the value of an option is missing.
 int runCommandLine(int argumentCount, const char* const* arguments);
 
 }  // namespace vantricprobe

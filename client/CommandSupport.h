@@ -17,6 +17,9 @@ namespace vantricprobe {
 using com_qel::Orvane::Vantric::ModemClient;
 using WallClock = std::chrono::system_clock;
 
+// How long a command waits for the list of networks.
+constexpr uint32_t listTimeoutSeconds = 30;
+
 // Sleeps in full, however many signals arrive.
 void sleepFor(std::chrono::seconds duration);
 
@@ -61,8 +64,8 @@ struct AwaitedChange {
     std::string timeoutText;  // up to the time that was allocated
 };
 
-// Looks every 3 seconds for up to 5 minutes, with a dot for each look. Returns the time that
-// passed, which includes the sleep behind the last look.
+// Polls every 3 seconds for up to 5 minutes and prints a dot for each poll. Returns the time that
+// passed, which includes the sleep after the last poll.
 WallClock::duration waitForChange(const AwaitedChange& change);
 
 struct Timing {

@@ -1,6 +1,5 @@
-#include "client/ConfigCommands.h"
-
 #include "client/CommandSupport.h"
+#include "client/Commands.h"
 
 namespace vantricprobe {
 

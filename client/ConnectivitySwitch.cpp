@@ -1,13 +1,12 @@
-#include "client/ConnectivitySwitch.h"
-
 #include "client/CommandSupport.h"
+#include "client/Commands.h"
 
 namespace vantricprobe {
 
 using com_qel::Orvane::Vantric::ConnectivityType;
 using com_qel::Orvane::Vantric::connectivityTypeName;
 
-void switchConnectivity(ConnectivityType targetType, bool wait) {
+void switchConnectivity(ConnectivityType targetType, AfterRequest then) {
     runCommand([=](ModemClient& client) {
         const auto target = static_cast<int32_t>(targetType);
         int32_t current = 0;
@@ -15,12 +14,12 @@ void switchConnectivity(ConnectivityType targetType, bool wait) {
         readWithRetry(readCurrent, "Failed to get connectivity type");
         writeLine("Current connectivity is: ", connectivityTypeName(current));
 
-        // The line stays open: what follows, whichever it is, ends it.
+        // Both branches below begin by ending this line.
         write("Now changing to ");
         write(connectivityTypeName(target));
         const auto requestTime =
             whole<std::chrono::microseconds>(timeOf([&] { client.setConnectivityType(target); }));
-        if (!wait) {
+        if (then == AfterRequest::Return) {
             writeTimings({{"setConnectivityType: ", requestTime, "us"}});
             client.disconnect();
             return;

@@ -3,9 +3,9 @@
 
 namespace vantricprobe {
 
-// Gives each of them that is closed a meaning of its own: reading and writing go on failing, but no
-// file that is opened later gets the number, so nothing that is printed can end up in a log file.
-// A descriptor that cannot be had stays closed.
+// Occupies each of them that is closed. Reading from it and writing to it still fail, but no file
+// that is opened later gets its number, so printed text cannot end up in a log file. A descriptor
+// that cannot be occupied stays closed.
 void occupyStandardDescriptors();
 
 }  // namespace vantricprobe

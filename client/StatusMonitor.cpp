@@ -1,8 +1,7 @@
-#include "client/StatusMonitor.h"
-
 #include <vector>
 
 #include "client/CommandSupport.h"
+#include "client/Commands.h"
 
 namespace vantricprobe {
 
@@ -12,7 +11,6 @@ using namespace std::chrono_literals;
 using com_qel::Orvane::Vantric::connectivityTypeName;
 using com_qel::Orvane::Vantric::WifiInfo;
 
-constexpr uint32_t listTimeoutSeconds = 30;
 constexpr std::chrono::seconds cyclePause = 5s;
 constexpr const char* ruler = "========================================================";
 

@@ -1,8 +1,7 @@
-#include "client/WifiCommands.h"
-
 #include <vector>
 
 #include "client/CommandSupport.h"
+#include "client/Commands.h"
 
 namespace vantricprobe {
 
@@ -10,8 +9,6 @@ using com_qel::Orvane::Vantric::encryptionTypeName;
 using com_qel::Orvane::Vantric::WifiInfo;
 
 namespace {
-
-constexpr uint32_t listTimeoutSeconds = 30;
 
 void printNetworks(const std::vector<WifiInfo>& networks) {
     writeLine("Available Wifi: ");

@@ -13,7 +13,7 @@ endif()
 set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf)
 
-# Programs come from this machine. So do headers without a library behind them, the only ones needed.
+# Programs come from this machine. So do header-only libraries, the only ones needed.
 set(CMAKE_FIND_ROOT_PATH /usr/arm-linux-gnueabihf)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -4,6 +4,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 
+# Programs find a shared library beside them wherever the tree lies, and are the same bytes everywhere.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -24,8 +27,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_
     add_compile_options($<$<NOT:$<CONFIG:Debug>>:-mstringop-strategy=libcall>)
 endif()
 
-option(VANTRIC_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
-if(VANTRIC_SANITIZE)
+set(VANTRIC_SANITIZE OFF CACHE STRING "ON: the address and undefined-behaviour sanitizers; thread: the thread sanitizer")
+if(VANTRIC_SANITIZE STREQUAL "thread")
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=thread)
+elseif(VANTRIC_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 endif()
@@ -36,15 +42,16 @@ if(VANTRIC_COVERAGE)
     add_link_options(--coverage)
 endif()
 
+option(VANTRIC_STATIC_PROGRAM "Link vantricprobe wholly statically: one file that needs only the kernel" OFF)
+if(VANTRIC_STATIC_PROGRAM AND BUILD_SHARED_LIBS)
+    message(FATAL_ERROR "A wholly static vantricprobe has no shared library: drop BUILD_SHARED_LIBS or VANTRIC_STATIC_PROGRAM.")
+endif()
+
 option(VANTRIC_SMALL "Link-time optimisation, section garbage collection and a static C++ runtime in programs" OFF)
 if(VANTRIC_SMALL)
     set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
     add_compile_options(-ffunction-sections -fdata-sections)
     add_link_options(-Wl,--gc-sections)
-    # The installed archive must also suit linkers that do not take part in the optimisation.
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        add_compile_options(-ffat-lto-objects)
-    endif()
     # A program that can be loaded anywhere has two thousand addresses to adjust at its start; packed,
     # their list is 45 KB shorter and start-up does a tenth less. Needs glibc 2.36 where it runs. The
     # linkers of other architectures take the flag with a warning and do nothing.

@@ -3,11 +3,27 @@
 #   libvantric-dev  headers and what to link with
 #   vantricprobe    the test client, with the manual pages
 #   vantricsim      the simulated server
+#   vantricctl      the scripting companion
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian/AddDocuments.cmake)
 set(CPACK_VANTRIC_DEBIAN_FOLDER ${PROJECT_SOURCE_DIR}/packaging/debian)
 
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION}${prerelease})
 set(CPACK_GENERATOR DEB)
+
+# The changelog calls released what the version calls released.
+set(newest_section "[${PROJECT_VERSION}]")
+set(CPACK_VANTRIC_DISTRIBUTION unstable)
+if(prerelease)
+    set(newest_section "[Unreleased]")
+    set(CPACK_VANTRIC_DISTRIBUTION UNRELEASED)
+endif()
+file(STRINGS CHANGELOG.md sections REGEX "^## ")
+list(GET sections 0 section)
+string(FIND "${section}" "## ${newest_section}" position)
+if(NOT position EQUAL 0)
+    message(FATAL_ERROR "CHANGELOG.md begins with '${section}' and not with ${newest_section}, which version ${CPACK_PACKAGE_VERSION} calls for.")
+endif()
 set(CPACK_PACKAGE_CONTACT "The vantric team <team@vantric.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # Each package has a summary of its own, the first line of its description.
@@ -18,14 +34,31 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+# Debian's name for what the compiler compiles for; that of an unknown processor is the compiler's.
+separate_arguments(compiler_flags UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
+if(CMAKE_CXX_COMPILER_TARGET)
+    list(APPEND compiler_flags --target=${CMAKE_CXX_COMPILER_TARGET})
+endif()
+execute_process(COMMAND ${CMAKE_CXX_COMPILER} ${compiler_flags} -dumpmachine
+    OUTPUT_VARIABLE compiled_for OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+if(compiled_for MATCHES "^arm.*eabihf$")
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+elseif(compiled_for MATCHES "^arm.*eabi$")
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armel)
+elseif(compiled_for MATCHES "^aarch64-")
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+elseif(compiled_for MATCHES "^(x86_64|i.86)-" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
+elseif(compiled_for MATCHES "^x86_64-")
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE amd64)
+else()
+    string(REGEX MATCH "^[^-]+" CPACK_DEBIAN_PACKAGE_ARCHITECTURE "${compiled_for}")
 endif()
 
 # By name: the tool that finds dependencies knows the cross compiler's copies of the libraries only
 # as packages that no device has.
 set(system_libraries "libc6 (>= 2.36), libgcc-s1 (>= 12), libstdc++6 (>= 12)")
-set(this_library "libvantric${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(this_library "libvantric${PROJECT_VERSION_MAJOR} (= ${CPACK_PACKAGE_VERSION})")
 set(program_dependencies "${system_libraries}")
 set(CPACK_COMPONENTS_ALL development vantricprobe)
 
@@ -65,5 +98,15 @@ if(VANTRIC_WITH_SIMULATOR)
     set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated vantric modem-management server
 Publishes state and takes commands like the real server, healthy or faulty, so
 that clients can be tried and tested without a device.")
+endif()
+
+if(VANTRIC_WITH_CTL)
+    list(APPEND CPACK_COMPONENTS_ALL companion)
+    set(CPACK_DEBIAN_COMPANION_PACKAGE_NAME vantricctl)
+    set(CPACK_DEBIAN_COMPANION_PACKAGE_DEPENDS "${program_dependencies}")
+    set(CPACK_DEBIAN_COMPANION_PACKAGE_SECTION utils)
+    set(CPACK_COMPONENT_COMPANION_DESCRIPTION "scripting companion of the vantric modem-management server
+Asks for the modem's state and for changes with finite timeouts, JSON and exit
+statuses that scripts can trust, and finds what is wrong with the exchange.")
 endif()
 include(CPack)

@@ -1,5 +1,5 @@
-// Looks for networks, joins the strongest one that needs no password, and waits until the modem's
-// state says so.
+// Scans for networks, joins the strongest one that needs no password, and waits until the modem's
+// state shows it.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -24,7 +24,7 @@ bool isOpen(const WifiInfo& network) {
     return network.encryptionType == static_cast<int32_t>(EncryptionType::None);
 }
 
-// The library has no notification: clients look at the published state again and again.
+// The library has no notifications: clients poll the published state.
 bool awaitNetwork(ModemClient& client, const std::string& name) {
     const auto deadline = std::chrono::steady_clock::now() + joinTimeout;
     std::string current;

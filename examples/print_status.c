@@ -7,7 +7,7 @@
 
 #include "Vantric/ModemClientC.h"
 
-/* Text fields are the server's bytes: print no further than the field goes. */
+/* The server writes the text fields and may omit the NUL: print no further than the field. */
 #define FIELD(field) (int)sizeof(field), (field)
 
 static bool printStatus(ModemClientHandle client) {
@@ -25,9 +25,12 @@ static bool printStatus(ModemClientHandle client) {
         fputs("no server publishes its state\n", stderr);
         return false;
     }
-    /* The name has no NUL behind it. */
+    /* No NUL follows the name. */
     printf("network: %.*s\n", (int)ssidSize, ssid);
     printf("encryption: %.*s\n", FIELD(status.wifiEncryptionName));
+    if (status.wifiEncryptionType == MODEM_CLIENT_ENCRYPTION_NONE) {
+        puts("the network is open");
+    }
     printf("signal levels: carrier %" PRId32 ", wifi %" PRId32 "\n", status.carrierSignalLevel,
            status.wifiSignalLevel);
     printf("address: %.*s\n", FIELD(status.ipv4Address));

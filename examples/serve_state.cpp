@@ -1,6 +1,6 @@
-// Uses the transport as a server does: publishes a state, takes the clients' commands, and lets the
-// one that names a network take effect. Ends when it has done so (clients that are attached keep
-// the state alive), or after a minute.
+// Uses the transport as a server does: publishes a state, takes the clients' commands, and executes
+// the command that names a network. Ends after that (attached clients keep the state alive), or
+// after a minute.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -31,16 +31,15 @@ void setField(char (&field)[size], const std::string& text) {
     std::copy_n(text.begin(), std::min(text.size(), size - 1), field);
 }
 
-// Clients take a state for stale after 300 seconds, so a server publishes it again and again.
+// A state is stale after 300 seconds, so a server publishes it at short intervals.
 void publish(SharedMemoryModemState& segment, ModemState& state) {
     state.timestamp = static_cast<int32_t>(std::time(nullptr));
     segment.publish(state);
 }
 
-// Takes one command out of the ring; true when a client asked for a network, whose name is in
-// `name` then.
+// Takes one command out of the ring. Returns true when it names a network, and sets `name`.
 bool takeNetworkName(SharedMemoryModemCommands& commands, std::string& name) {
-    std::array<char, 4096> payload = {};  // larger than any payload, so a NUL is behind it
+    std::array<char, 4096> payload = {};  // larger than any payload, so a NUL follows it
     uint32_t command = 0;
     auto capacity = static_cast<uint32_t>(payload.size());
     if (!commands.dequeue(command, payload.data(), &capacity) ||

@@ -38,24 +38,17 @@ class Input {
 
     // As many of `count` bytes as are left.
     Bytes bytes(std::size_t count) {
-        const std::size_t left = static_cast<std::size_t>(end_ - position_);
         const uint8_t* begin = position_;
-        position_ += std::min(count, left);
+        position_ += std::min(count, static_cast<std::size_t>(end_ - position_));
         return Bytes(begin, position_);
     }
 
-    // A run behind its length in one byte.
+    // One byte with a length, then so many bytes.
     Bytes run() { return bytes(byte()); }
 
     std::string text() {
         const Bytes content = run();
         return std::string(content.begin(), content.end());
-    }
-
-    // What a C string of the run's bytes would hold.
-    std::string textWithoutNul() {
-        const std::string content = text();
-        return content.substr(0, content.find('\0'));
     }
 
   private:

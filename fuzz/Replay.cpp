@@ -19,47 +19,39 @@ namespace {
 using Paths = std::vector<std::filesystem::path>;
 
 Paths filesIn(const std::filesystem::path& path) {
-    Paths files;
     if (!is_directory(path)) {
         return {path};
     }
-    for (const auto& entry : std::filesystem::directory_iterator(path)) {
-        files.push_back(entry.path());
-    }
+    Paths files(std::filesystem::directory_iterator(path), {});
     std::sort(files.begin(), files.end());
     return files;
 }
 
-std::vector<uint8_t> contentOf(const std::filesystem::path& path) {
+void replay(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
         throw std::runtime_error("cannot read " + path.string());
     }
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-int replay(const Paths& paths) {
-    int count = 0;
-    for (const auto& path : paths) {
-        for (const auto& file : filesIn(path)) {
-            const std::vector<uint8_t> content = contentOf(file);
-            std::printf("%s\n", file.c_str());
-            std::fflush(stdout);
-            LLVMFuzzerTestOneInput(content.data(), content.size());
-            ++count;
-        }
-    }
-    std::printf("%d inputs, no broken promise\n", count);
-    return count == 0 ? 2 : 0;
+    const std::vector<char> content(std::istreambuf_iterator<char>(file), {});
+    std::printf("%s\n", path.c_str());
+    std::fflush(stdout);
+    LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(content.data()), content.size());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        const Paths paths(argv + 1, argv + argc);
+        const Paths arguments(argv + 1, argv + argc);
         LLVMFuzzerInitialize(&argc, &argv);
-        return replay(paths);
+        std::size_t count = 0;
+        for (const auto& argument : arguments) {
+            const Paths files = filesIn(argument);
+            std::for_each(files.begin(), files.end(), replay);
+            count += files.size();
+        }
+        std::printf("%zu inputs, no broken promise\n", count);
+        return count == 0 ? 2 : 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 2;

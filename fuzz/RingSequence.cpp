@@ -1,7 +1,7 @@
-// Sequences of operations on the command ring, compared with the model after each: every byte of
-// the object, and everything that a consumer is handed.
+// Sequences of attaching, detaching, enqueueing and dequeueing: after each step, every byte of the
+// ring's object is as the model has it.
 //
-// Input: operations of the form kind, object, command (byte), size (16 bits), content (run).
+// Input: operations, each of kind, object, command (bytes), size (half word), content (run).
 #include "fuzz/Input.h"
 #include "fuzz/Target.h"
 #include "tests/support/RingExercise.h"
@@ -9,20 +9,15 @@
 namespace {
 
 using vantric_fuzz::Input;
-using vantric_test::RingExercise;
-using vantric_test::RingOperation;
+using namespace vantric_test;
 
 constexpr std::size_t largestSize = 4200;  // a little more than the ring holds
 constexpr int mostOperations = 200;
 
+// Braces evaluate their contents in order.
 RingOperation readOperation(Input& input) {
-    RingOperation operation;
-    operation.kind = static_cast<RingOperation::Kind>(input.byte() % RingOperation::kindCount);
-    operation.object = input.byte();
-    operation.command = input.byte() * 0x01010101U;
-    operation.size = input.half() % (largestSize + 1);
-    operation.content = input.run();
-    return operation;
+    return {static_cast<RingOperation::Kind>(input.byte() % RingOperation::kindCount), input.byte(),
+            input.byte() * 0x01010101U, input.half() % (largestSize + 1), input.run()};
 }
 
 }  // namespace
@@ -31,13 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     Input input(data, size);
     RingExercise exercise;
     for (int count = 0; !input.isEmpty() && count < mostOperations; ++count) {
-        const RingOperation operation = readOperation(input);
-        const std::string difference = exercise.perform(operation);
-        if (!difference.empty()) {
-            vantric_fuzz::fail("after operation " + std::to_string(count) + " of kind " +
-                               std::to_string(static_cast<int>(operation.kind)) + ": " +
-                               difference);
-        }
+        const std::string difference = exercise.perform(readOperation(input));
+        vantric_fuzz::require(difference.empty(), difference);
     }
     return 0;
 }

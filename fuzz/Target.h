@@ -1,5 +1,5 @@
-// What every fuzz target is made of: the entry that the fuzzer and the replay program call for each
-// input, and the check that turns a broken promise into a crash.
+// What every fuzz target consists of: the entry that the fuzzer and the replay program call for
+// each input, and the check that turns a broken promise into a crash.
 #pragma once
 
 #include <cstddef>
@@ -11,20 +11,16 @@
 // Called once, before the first input: gives the process a /dev/shm of its own.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 
-// Always 0; ends the process when the input breaks a promise. Leaves nothing behind that could make
-// the next input behave differently.
+// Always 0; ends the process when the input breaks a promise. Keeps no state that could make the
+// next input behave differently.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size);
 
 namespace vantric_fuzz {
 
-[[noreturn]] inline void fail(const std::string& text) {
-    std::fprintf(stderr, "Broken promise: %s\n", text.c_str());
-    std::abort();
-}
-
-inline void require(bool holds, const char* promise) {
+inline void require(bool holds, const std::string& promise) {
     if (!holds) {
-        fail(promise);
+        std::fprintf(stderr, "Broken promise: %s\n", promise.c_str());
+        std::abort();
     }
 }
 

@@ -1,43 +1,46 @@
 #!/usr/bin/env bash
-# Measures the operations beside the same work by hand and beside other ways of doing it, each in a
-# private /dev/shm, and prints a table with ratios. The results are in build/bench/results.json.
+# Times the operations beside the same work by hand and beside other ways to do it, in a private
+# /dev/shm, and prints a table with ratios. The results are in build/bench/results.tsv.
 #
-# Usage: scripts/bench.sh [--repetitions NUMBER] [ROW...]
-#   --repetitions  the number of interleaved rounds (15)
-#   ROW            only these programs: state records list_query enqueue log help contended_state
-#                  contended_ring; the results hold these rows alone then
+# Usage: scripts/bench.sh [--rounds NUMBER] [ROW]
+#   --rounds  the number of interleaved rounds (15)
+#   ROW       only rows whose name contains this text: state, list, enqueue, text, log, start
 #
 # On a busy machine the times, and less so their ratios, are provisional; the table says so.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 
-repetitions=15
-if [ "${1:-}" = --repetitions ]; then
-    repetitions=${2:?--repetitions needs a number}
+rounds=15
+if [ "${1:-}" = --rounds ]; then
+    rounds=${2:?--rounds needs a number}
     shift 2
 fi
-rows=("$@")
-[ "$#" -gt 0 ] || rows=(state records list_query enqueue log help contended_state contended_ring)
+read -r load _ < /proc/loadavg  # before our own work adds to it
 
-scripts/install-packages.sh
+scripts/install-packages.sh run bench
 say "Building"
 cmake --preset bench --log-level=WARNING > /dev/null
-cmake --build --preset bench --target benchmarks
+cmake --build --preset bench --target performance_driver
 cmake --preset release --log-level=WARNING > /dev/null
 cmake --build --preset release --target vantricprobe
 
-folder=build/bench
-# Several turns of all processes, or the figure would be the luck of one; logs that fit into memory.
-declare -A minimum_time=([contended_state]=0.1 [log]=0.005)
-reports=()
-for row in "${rows[@]}"; do
-    say "Measuring ($row)"
-    VANTRIC_BENCH_PROGRAM=$PWD/build/release/bin/vantricprobe "$folder/bench/bench_$row" \
-        --benchmark_repetitions="$repetitions" --benchmark_enable_random_interleaving=true \
-        --benchmark_min_time="${minimum_time[$row]:-0.02}" --benchmark_out_format=json --benchmark_out="$folder/$row.json" \
-        > "$folder/$row.log" 2>&1 || { cat "$folder/$row.log" >&2; exit 1; }
-    reports+=("$folder/$row.json")
-done
-scripts/bench-merge.py "$folder/results.json" "${reports[@]}"
-say "Results ($folder/results.json)"
-scripts/bench-table.py "$folder/results.json"
+version() {
+    dpkg-query -W -f '${Version}' "$1" | sed 's/^[0-9]*://; s/-[^-]*$//'
+}
+# The machine, without its name; the results begin with it.
+machine() {
+    local processor state=idle
+    processor=$(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -n 1)
+    ! awk "BEGIN {exit !($load > $(nproc) / 2)}" || state='busy, so that these figures are provisional'
+    echo "# $(date +%F): $(nproc) x ${processor:-$(uname -m)}, $(. /etc/os-release && echo "$PRETTY_NAME")," \
+        "Linux $(uname -r), $(c++ --version | head -n 1); Boost $(version libboost-dev), spdlog" \
+        "$(version libspdlog-dev), dbus-daemon $(version dbus), sd-bus $(version libsystemd-dev)." \
+        "Load $load at the start: the machine was $state."
+}
+
+say "Measuring"
+results=build/bench/results.tsv
+machine > "$results"
+VANTRICPROBE=$PWD/build/release/bin/vantricprobe build/bench/bin/performance_driver time "$rounds" "$@" >> "$results"
+say "Results ($results)"
+scripts/bench-show.py "$results"

@@ -1,33 +1,30 @@
 #!/usr/bin/env bash
 # Shows vantricprobe at work: builds the release programs, starts the simulated server in a private
 # /dev/shm and runs every command once.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 
-programs=build/release/bin
+probe=build/release/bin/vantricprobe
+simulator=build/release/bin/vantricsim
 
 prepare() {
-    scripts/install-packages.sh
+    scripts/install-packages.sh run
     say "Building vantricprobe and vantricsim"
     cmake --preset release --log-level=WARNING
     cmake --build --preset release --target vantricprobe vantricsim
 }
 
+# Shows a command as it can be copied, and runs it.
 show() {
-    printf '\n$ vantricprobe %s\n' "$*"
-    "$programs/vantricprobe" "$@"
-}
-
-show_for() {
-    local seconds=$1
-    shift
-    printf '\n$ timeout %s vantricprobe %s\n' "$seconds" "$*"
-    timeout "$seconds" "$programs/vantricprobe" "$@" || true
+    printf '\n$'
+    printf ' %q' "$@"
+    printf '\n'
+    "$@"
 }
 
 start_server() {
     server_output=$(mktemp)
-    "$programs/vantricsim" > "$server_output" &
+    "$simulator" > "$server_output" &
     server=$!
     trap 'kill "$server" 2> /dev/null || true; rm -f "$server_output"' EXIT
     await_line "$server_output" '^ready$'
@@ -38,18 +35,18 @@ show_every_command() {
     start_server
 
     say "Running every command (most wait for the server; this takes about 40 seconds)"
-    show -h
-    show_for 2 --status
-    show --availablewifi
-    show --statuscapi
-    show --setConfigKeepWifi backup-site-a.cfg
-    show --setConfig backup-site-b.cfg
-    show --switchtowifi
-    show --switchtocarrier
-    show --enablewifi
-    show --disablewifi
-    show --setwifi "Guest Network"
-    show --forgetwifi
+    show "$probe" -h
+    show timeout 2 "$probe" --status || true
+    show "$probe" --availablewifi
+    show "$probe" --statuscapi
+    show "$probe" --setConfigKeepWifi backup-site-a.cfg
+    show "$probe" --setConfig backup-site-b.cfg
+    show "$probe" --switchtowifi
+    show "$probe" --switchtocarrier
+    show "$probe" --enablewifi
+    show "$probe" --disablewifi
+    show "$probe" --setwifi "Guest Network"
+    show "$probe" --forgetwifi
 
     say "What the server received"
     await_line "$server_output" 'frame 8 .* "0,0"$'

@@ -5,10 +5,10 @@
 # Usage: scripts/device-test.sh [CASES]
 #   CASES  a regular expression; only the cases whose names match it are run
 #
-# Kernel and packages of the machine are Debian's for armhf, fetched when they are not in
-# build/device/packages yet; the machine itself has no network. Everything lies in its memory.
+# Kernel and packages of the machine are Debian's for armhf; the script downloads them if they are not in
+# build/device/packages yet. The machine has no network, and its file system lies in its memory.
 # Ends after 30 minutes at the latest.
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 cases=${1:-.}
 
@@ -18,17 +18,18 @@ packages=$device/packages
 root=$device/root
 tests=build/armhf
 # ctest comes with cmake.
-wanted=(bash cmake coreutils diffutils dpkg libc-bin libstdc++6 mount util-linux)
+wanted=(bash cmake coreutils diffutils dpkg grep libc-bin libstdc++6 mount python3-minimal sed util-linux)
 
-scripts/install-packages.sh
+scripts/install-packages.sh run arm release
 
 say "Building (armhf)"
 cmake --preset armhf --log-level=WARNING
 cmake --build --preset armhf
 rm -f build/armhf-packages/*.deb
 cmake --workflow --preset armhf-packages
+cmake --workflow --preset armhf-static
 
-# apt for the device's architecture, with a state of its own: this machine's packages stay as they are.
+# apt for the device's architecture, with its own state, so that this machine's packages do not change.
 device_apt() {
     apt-get -qq -o Dir::Etc="$device/apt" -o Dir::State="$device/apt" -o Dir::State::status="$device/apt/status" \
         -o Dir::Cache="$device/apt" -o Dir::Cache::archives="$packages" -o APT::Sandbox::User=root \
@@ -52,7 +53,7 @@ fetch_packages() {
     touch "$packages/complete"
 }
 
-# What dpkg notes about a package's files, under the name that it expects.
+# Writes dpkg's list of a package's files, under the name that dpkg expects.
 list_files() {
     local name
     name=$(dpkg-deb --field "$1" Package)
@@ -60,7 +61,7 @@ list_files() {
     dpkg-deb --fsys-tarfile "$1" | tar -t | sed -e 's|^\.||' -e 's|/$||' -e 's|^$|/.|' > "$root/var/lib/dpkg/info/$name.list"
 }
 
-# A root folder as if the packages had been installed: what is in them, and dpkg's word that they are.
+# Makes a root folder as if the packages had been installed: unpacks them and records them as installed.
 make_root() {
     rm -rf "$root"
     mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$root"/{proc,sys,dev,tmp,run,packages}
@@ -81,7 +82,7 @@ make_root() {
     ln -sf bash "$root/bin/sh"
     rm -rf "$root"/usr/share/{doc,man,locale,info}
     cp build/armhf-packages/{libvantric1,vantricprobe,vantricsim}_*.deb "$root/packages"
-    cp scripts/device/init "$root/init"
+    cp tests/device/init "$root/init"
 }
 
 # The tests find programs and data under the paths that they were built with. There, links lead to
@@ -95,7 +96,8 @@ add_tests() {
     find "$target/$tests" -type f -not -name '*.cmake' -exec arm-linux-gnueabihf-strip {} +
     find "$target/$tests" -name '*.cmake' -exec sed -i -e "s|/usr/bin/qemu-arm\" \"-L\" \"/usr/arm-linux-gnueabihf\" \"||; s|/usr/bin/qemu-arm -L /usr/arm-linux-gnueabihf ||; /EmulatorExceptions/d" {} +
     ln -sf /usr/bin/vantricprobe /usr/bin/vantricsim "$target/$tests/bin"
-    git ls-files README.md docs sim/README.md tests/images tests/transcripts sim/scenarios fuzz/corpus | cpio --quiet -pdm "$target"
+    cp build/armhf-static/bin/vantricprobe "$root/packages/vantricprobe-static"
+    git ls-files scripts/common.sh tests/packaging README.md docs sim/README.md tests/images tests/transcripts sim/scenarios fuzz/corpus | cpio --quiet -pdm "$target"
 }
 
 [ -e "$packages/complete" ] || fetch_packages

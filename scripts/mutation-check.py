@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
-"""Plants small faults in a copy of the sources, one at a time, and tells which test notices each.
+"""Plants small faults in a copy of the sources, one at a time, and prints which tests notice each.
 
 The faults are in tests/mutation/faults.ini. A fault that every test overlooks fails the check, unless
 its entry says why no test can notice it; an entry that says so and is noticed all the same fails it
-too. Takes about half a minute for a fault.
+too. Units, threads, transcripts, corpus and end-to-end tests run for each fault; a test counts that
+fails twice. Takes about half a minute for a fault.
 """
 
 import argparse
+import collections
 import configparser
+import json
 import os
 import re
 import shutil
@@ -22,27 +25,38 @@ SCRATCH = ROOT / "build/mutation"
 SOURCES = SCRATCH / "source"
 BUILD = SCRATCH / "build"
 
-# What is built and which tests are run: most faults are noticed by those that are quick to build.
-STAGES = (("unit_tests", ("--label-regex", "^units$")), ("all", ()))
+# What judges the documents, the packages and an installed library does not judge the product's code, and
+# soak tests take too long for what the others notice as well.
+NOT_RUN = "install|documents|packaging|soak"
 
-# A fault that makes a test hang is noticed after this many seconds.
-TEST_TIMEOUT_SECONDS = 30
+# A fault that makes a test hang is noticed after this many seconds, and a run that has not ended after
+# the longer time is ended: what has failed by then counts.
+TEST_TIMEOUT_SECONDS = 10
+LONGEST_RUN_SECONDS = 60
 
-# How often tests may fail and pass when run again before that counts as a failure of the check.
-MAXIMUM_RUNS = 3
 
-
-def run(*command):
-    return subprocess.run(
-        command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True
-    )
+def run(*command, timeout=None):
+    """The command's output and exit status; status None when the time was over."""
+    try:
+        result = subprocess.run(
+            command,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            text=True,
+            errors="replace",
+            timeout=timeout,
+        )
+        return result.stdout, result.returncode
+    except subprocess.TimeoutExpired as expired:
+        return (expired.stdout or b"").decode(errors="replace"), None
 
 
 def run_or_exit(*command):
-    result = run(*command)
-    if result.returncode != 0:
-        sys.exit(f"{result.stdout}\n{' '.join(map(str, command))} failed")
-    return result.stdout
+    output, status = run(*command)
+    if status != 0:
+        sys.exit(f"{output[-4000:]}\n{' '.join(map(str, command))} failed")
+    return output
 
 
 def read_faults():
@@ -74,92 +88,122 @@ def copy_sources():
             shutil.copy(ROOT / name, SOURCES / name)
 
 
-def build(target):
-    return run("cmake", "--build", BUILD, "--target", target)
+def build():
+    return run("cmake", "--build", BUILD)
 
 
 def test(*options):
-    return run(
-        "ctest", "--test-dir", BUILD, "-j", str(4 * (os.cpu_count() or 1)), "--no-tests=error", *options
+    """The names of the tests that failed, and whether ctest itself was content."""
+    output, status = run(
+        "ctest", "--test-dir", BUILD, "-j", str(4 * (os.cpu_count() or 1)), "--no-tests=error",
+        "--label-exclude", f"^({NOT_RUN})$", *options, timeout=LONGEST_RUN_SECONDS
     )
-
-
-def failed_tests(*options):
-    result = test(*options)
-    # The summary's lines: "12 - SetWifi.comparesBytes (Failed)", perhaps with "# GetParam() = x" before the verdict.
-    names = re.findall(r"^\s*\d+ - (\S+).* \(\w[^()]*\)$", result.stdout, re.MULTILINE)
-    if result.returncode != 0 and not names:
-        sys.exit(f"{result.stdout}\nctest failed without a failed test")
+    # Progress lines: "12/99 Test  #7: SetWifi.comparesBytes ......***Failed  0.03 sec", and perhaps
+    # "  # GetParam() = x" within the name.
+    names = re.findall(r"^ *\d+/\d+ Test +#\d+: (\S+).*\*\*\*(?!Not Run)", output, re.MULTILINE)
+    if status not in (0, None) and not names:
+        sys.exit(f"{output[-4000:]}\nctest failed without a failed test")
     return names
 
 
-def noticing_tests(*selection):
+def kinds_of_tests():
+    """The label of each test, by the test's name."""
+    listing = json.loads(run_or_exit("ctest", "--test-dir", BUILD, "--show-only=json-v1"))
+    kinds = {}
+    for entry in listing["tests"]:
+        labels = [value for item in entry.get("properties", []) if item["name"] == "LABELS" for value in item["value"]]
+        kinds[entry["name"].split()[0]] = labels[0] if labels else "others"
+    return kinds
+
+
+def noticing_tests():
     """The tests that fail and, so that a busy machine cannot pass for a fault, fail again."""
-    for _ in range(MAXIMUM_RUNS):
-        if not failed_tests("--stop-on-failure", *selection):
-            return []
-        names = failed_tests("--stop-on-failure", "--rerun-failed")
-        if names:
-            return names
-    sys.exit(f"Tests failed that then passed, {MAXIMUM_RUNS} times in a row: they are not dependable")
+    names = test()
+    return test("--rerun-failed") if 0 < len(names) <= 20 else names
 
 
-def check(name, fault):
-    """What notices the fault: "the compiler", names of tests, or None."""
+def count_by_kind(name, fault, kinds):
+    """How many tests of each kind notice the fault; None when it does not compile."""
     path = SOURCES / fault["file"]
     original = path.read_text()
     path.write_text(with_fault(original, name, fault))
     try:
-        for target, selection in STAGES:
-            if build(target).returncode != 0:
-                return "the compiler"
-            names = noticing_tests(*selection)
-            if names:
-                return ", ".join(names)
-        return None
+        if build()[1] != 0:
+            return None
+        return collections.Counter(kinds.get(test_name, "others") for test_name in noticing_tests())
     finally:
         path.write_text(original)
+
+
+def as_table(results, kinds):
+    columns = sorted(set(kinds.values()) - set(NOT_RUN.split("|")))
+    lines = ["| fault | " + " | ".join(columns) + " |", "|---|" + "---:|" * len(columns)]
+    for name, counts in results.items():
+        cells = [str(counts[column] or "") for column in columns] if counts is not None else ["compiler"] * len(columns)
+        lines.append(f"| {name} | " + " | ".join(cells) + " |")
+    judged = [counts for counts in results.values() if counts is not None]
+    noticed = [str(sum(1 for counts in judged if counts[column])) for column in columns]
+    alone = [str(sum(1 for counts in judged if set(+counts) == {column})) for column in columns]
+    lines.append(f"| **noticed, of {len(results)}** | " + " | ".join(noticed) + " |")
+    lines.append("| **noticed by this kind only** | " + " | ".join(alone) + " |")
+    return "\n".join(lines) + "\n"
 
 
 def parse_arguments(names):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("fault", nargs="*", help="entries of the list to plant (default: all)")
+    parser.add_argument("--table", type=Path, help="write how many tests of each kind notice each fault to this file")
     arguments = parser.parse_args()
     unknown = set(arguments.fault) - set(names)
     if unknown:
         parser.error("no such fault: " + ", ".join(sorted(unknown)))
-    return arguments.fault or list(names)
+    return arguments
 
 
-def main():
-    faults = read_faults()
-    chosen = parse_arguments(faults)
+def prepare(faults):
     subprocess.run([ROOT / "scripts/install-packages.sh"], check=True)
-
     print("Building and testing without a fault", flush=True)
     copy_sources()
     for name, fault in faults.items():
         with_fault((SOURCES / fault["file"]).read_text(), name, fault)
     run_or_exit(
         "cmake", "-S", SOURCES, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-        "-DVANTRIC_BUILD_SIMULATOR=ON", "-DVANTRIC_BUILD_TESTS=ON",
+        "-DVANTRIC_BUILD_SIMULATOR=ON", "-DVANTRIC_BUILD_CTL=ON", "-DVANTRIC_BUILD_TESTS=ON",
         f"-DVANTRIC_TEST_TIMEOUT={TEST_TIMEOUT_SECONDS}",
     )
-    for result in (build("all"), test()):
-        if result.returncode != 0:
-            sys.exit(f"{result.stdout[-4000:]}\nFails without any fault")
+    output, status = build()
+    if status != 0:
+        sys.exit(f"{output[-4000:]}\nDoes not build without any fault")
+    failing = noticing_tests()
+    if failing:
+        sys.exit(f"Fail without any fault: {', '.join(failing)}")
 
+
+def main():
+    faults = read_faults()
+    arguments = parse_arguments(faults)
+    prepare(faults)
+    kinds = kinds_of_tests()
+
+    results = {}
     failures = []
+    chosen = arguments.fault or list(faults)
     for number, name in enumerate(chosen, 1):
         start = time.monotonic()
-        noticer = check(name, faults[name])
-        seconds = time.monotonic() - start
+        counts = results[name] = count_by_kind(name, faults[name], kinds)
         reason = faults[name].get("survives")
-        verdict = f"noticed by {noticer}" if noticer else f"SURVIVES ({reason or 'unexplained'})"
-        print(f"{number}/{len(chosen)} {name}: {verdict} [{seconds:.0f} s]", flush=True)
-        if bool(noticer) == (reason is not None):
+        if counts is None:
+            verdict = "does not compile"
+        elif counts:
+            verdict = ", ".join(f"{kind} {count}" for kind, count in sorted(counts.items()))
+        else:
+            verdict = f"SURVIVES ({reason or 'unexplained'})"
+        print(f"{number}/{len(chosen)} {name}: {verdict} [{time.monotonic() - start:.0f} s]", flush=True)
+        if counts is None or bool(counts) == (reason is not None):
             failures.append(name)
 
+    if arguments.table:
+        arguments.table.write_text(as_table(results, kinds))
     print(f"{len(chosen)} faults, {len(failures)} not as the list says: {', '.join(failures) or 'none'}")
     return 1 if failures else 0
 

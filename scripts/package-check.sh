@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# Makes the Debian packages for both architectures and examines them: lintian for all; those of this
-# machine are installed into an empty root folder, used there, built against, and removed without a
-# trace.
+# Makes the Debian packages for both architectures and checks that a second build makes the same bytes and
+# that lintian finds nothing. Installs those of this machine into an empty root folder, runs the programs
+# there, builds the examples against the library, and removes the packages: no file may remain. Then runs
+# the wholly static programs in an empty root folder.
 #
 # Usage: scripts/package-check.sh
-source "$(dirname "$0")/common.sh"
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 
 work=$PWD/build/package-check
 root=$work/root
-multiarch=$(gcc -dumpmachine)
 # What the packages depend on, taken over from this machine.
 dependencies=(libc6 libgcc-s1 libstdc++6)
 
@@ -61,46 +61,28 @@ use_installed_programs() {
     cat "$work/simulator.log"
 }
 
-# The linker finds the library where it was installed; so do the programs.
-build_examples() {
-    local library=$root/usr/lib/$multiarch
-    cmake -S examples -B "$work/find_package" -DCMAKE_PREFIX_PATH="$root/usr" > /dev/null
-    cmake --build "$work/find_package" > /dev/null
-    mkdir "$work/pkg_config"
-    PKG_CONFIG_PATH=$library/pkgconfig make -C examples BUILD="$work/pkg_config" \
-        LDFLAGS="-Wl,-rpath,$library" > /dev/null
-}
-
-run_examples() {
-    local way server
-    for way in find_package pkg_config; do
-        echo "-- built with $way"
-        start_simulator build/packages/bin/vantricsim
-        "$work/$way/print_status"
-        "$work/$way/join_strongest"
-        stop_simulator
-        "$work/$way/serve_state" > "$work/server.log" &
-        server=$!
-        await_line "$work/server.log" '^published: home$'
-        build/packages/bin/vantricprobe --setwifi bench
-        wait "$server"
-        cat "$work/server.log"
-    done
-}
-
-# Steps that need a /dev/shm of their own are run in one by this script itself.
+# Steps that need a private /dev/shm call this script again inside one.
 if [ "${1:-}" = --step ]; then
     "$2"
     exit
 fi
 
 [ "$(id -u)" -eq 0 ] || fail "Installing packages into a root folder needs root: run it with sudo."
-scripts/install-packages.sh
+scripts/install-packages.sh run test arm gate
 rm -rf "$work"
 mkdir -p "$work"
 say "Making packages"
 make_packages packages
 make_packages armhf-packages
+
+say "Making the packages again"
+for preset in packages armhf-packages; do
+    (cd "build/$preset" && cpack -B "$work/$preset" > /dev/null)
+    for package in "build/$preset"/*.deb; do
+        cmp "$package" "$work/$preset/$(basename "$package")"
+    done
+done
+echo "the same bytes"
 
 say "lintian"
 lintian --allow-root --tag-display-limit 0 --fail-on error,warning build/packages/*.deb build/armhf-packages/*.deb
@@ -119,12 +101,18 @@ done
 say "Using the installed programs"
 in_private_shared_memory "$root/dev/shm" scripts/package-check.sh --step use_installed_programs
 
-say "Building and running the examples against the installed packages"
-build_examples
-in_private_shared_memory /dev/shm scripts/package-check.sh --step run_examples
+say "Building the examples against the installed packages"
+cmake -S examples -B "$work/examples" -DCMAKE_PREFIX_PATH="$root/usr" > /dev/null
+cmake --build "$work/examples"
 
 say "Removing"
-in_root --purge vantricsim vantricprobe libvantric-dev libvantric1
+in_root --purge vantricctl vantricsim vantricprobe libvantric-dev libvantric1
 files_of_root > "$work/after.txt"
 diff "$work/before.txt" "$work/after.txt"
 echo "nothing is left"
+
+say "Running the wholly static programs in an empty root folder"
+cmake --workflow --preset static-release > "$work/static.log" 2>&1 || { cat "$work/static.log"; exit 1; }
+cmake --workflow --preset armhf-static > "$work/static.log" 2>&1 || { cat "$work/static.log"; exit 1; }
+tests/packaging/empty-root.sh build/static-release/bin/vantricprobe build/packages/bin/vantricsim
+tests/packaging/empty-root.sh build/armhf-static/bin/vantricprobe build/armhf-packages/bin/vantricsim qemu-arm

@@ -1,146 +1,120 @@
 #!/usr/bin/env bash
-# Counts what each operation of the product costs: instructions, system calls and allocations, which
-# do not depend on how busy the machine is. Fails when one is above packaging/perf-budget.txt.
+# Counts what operations of the product cost: instructions, system calls and allocations, which do not
+# depend on how busy the machine is. Fails when one is above packaging/perf-budget.txt.
 #
-# Usage: scripts/perf-check.sh [--self-test | OPERATION...]
-#   --self-test  plants a slowdown under one operation and fails unless the check notices it in all
-#                three figures
-#   OPERATION    only these; names as in the budget
+# Usage: scripts/perf-check.sh [--self-test]
+#   --self-test  compares an operation with a planted slowdown with the budget and fails unless the
+#                check notices it in all three figures
 #
-# Each figure is the difference between a long and a short run of bench/driver, by the number of
-# additional repetitions, so that the cost of starting and stopping cancels out. Instructions are
-# counted inside the measured operations only; there the clock is a system call, whose instructions
-# are not the program's. The last line compares whole runs of the release's "vantricprobe --help"
-# with /bin/true: its first figure is per cent.
-source "$(dirname "$0")/common.sh"
+# Each figure is the difference between a long and a short run of bench/, divided by the number of
+# additional repetitions, so that starting and stopping cancel out. Valgrind counts instructions and
+# allocations inside the measured function only, strace counts the system calls. The last rows compare
+# whole runs of "vantricprobe --help" with /bin/true: their figure is per cent of instructions.
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 
 budget_file=packaging/perf-budget.txt
-driver_folder=build/bench/bench
-driver=./performance_driver
-program_folder=build/release/bin
-program=./vantricprobe
 short_run=320
 long_run=960
-
 logs=$(mktemp --directory)
 trap 'rm -rf "$logs"' EXIT
-# What the environment asks of the C library must not count, nor a time zone. Even its length would: it
-# moves the stack, and copying takes another path at another alignment. The same holds for the path of
-# the program, which is therefore called from its own folder. And the C library copies and compares in
-# the way that suits the processor: here it takes the way of all processors.
-plain_processor=glibc.cpu.hwcaps=-AVX2,-AVX512F,-AVX512VL,-AVX512BW,-ERMS,-FSRM,-SSSE3,-SSE4_1,-SSE4_2
-folder=$driver_folder
-in_fixed_environment() {
-    run_or_stop env -i -C "$folder" PATH=/usr/bin:/bin LC_ALL=C "GLIBC_TUNABLES=$plain_processor" "$@"
+
+# Environment and path are fixed: their length moves the stack, and the C library copies differently at
+# another alignment. It uses the copy routine that every processor has, not the one for this processor.
+plain_copying=(GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX512F,-AVX512VL,-AVX512BW,-ERMS,-FSRM,-SSSE3,-SSE4_1,-SSE4_2)
+run_in() {
+    local folder=$1
+    shift
+    env -i -C "$folder" PATH=/usr/bin:/bin LC_ALL=C "${plain_copying[@]}" "$@" \
+        > "$logs/output" 2>&1 || { echo "Failed: $*" >&2; cat "$logs/output" >&2; exit 1; }
 }
 
-run_or_stop() {
-    "$@" > "$logs/output" 2>&1 || { echo "Failed: $*" >&2; cat "$logs/output" >&2; exit 1; }
-}
-
-# instructions CALLGRIND_OPTION PROGRAM ARGUMENT...
-instructions() {
-    in_fixed_environment ${preload:+"LD_PRELOAD=$preload"} \
-        valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$logs/callgrind" "$@"
+# callgrind FOLDER COMMAND...: prints the instructions of a run.
+callgrind() {
+    local folder=$1
+    shift
+    run_in "$folder" valgrind --tool=callgrind --callgrind-out-file="$logs/profile" --log-file="$logs/callgrind" "$@"
     sed -n 's/.*Collected : //p' "$logs/callgrind"
 }
 
-system_calls() {
-    in_fixed_environment strace -f -c -o "$logs/strace" ${preload:+-E "LD_PRELOAD=$preload"} "$@"
+# counts OPERATION NUMBER: prints the three figures of that many repetitions. Functions are recorded
+# with their callers, so that an allocation outside the measured function does not count.
+counts() {
+    local driver=./performance_driver
+    callgrind build/bench/bin --compress-strings=no --separate-callers=20 '--toggle-collect=*measuredSection*' \
+        "$driver" count "$@"
+    run_in build/bench/bin strace -c -o "$logs/strace" "$driver" count "$@"
     awk '$NF == "total" {print $4}' "$logs/strace"
+    awk "/^cfn=(malloc|calloc|realloc)'.*measuredSection/"' {getline; sub(/calls=/, ""); sum += $1} END {print sum + 0}' \
+        "$logs/profile"
 }
 
-allocations() {
-    in_fixed_environment "ALLOCATION_COUNT_FILE=$logs/allocations" \
-        "LD_PRELOAD=${preload:+$preload:}$PWD/$driver_folder/liballocation_count_preload.so" "$@"
-    cat "$logs/allocations"
+per_cent_of_true() {
+    local help true plain_copying=()  # to read that variable would be a good part of a short run
+    help=$(callgrind "$1" ./vantricprobe --help)
+    true=$(callgrind / /bin/true)
+    echo "$((help * 100 / true)) 0 0"
 }
 
-# per_operation DIGITS COUNTER...: what one repetition adds to the counter. A busy machine adds a call of
-# the system to a run now and then; one digit behind the point does not show it.
-per_operation() {
-    local digits=$1 short long
-    shift
-    short=$("$@" "$short_run") || return
-    long=$("$@" "$long_run") || return
-    awk -v added="$((long - short))" -v runs="$((long_run - short_run))" -v digits="$digits" \
-        'BEGIN {text = sprintf("%.*f", digits, added / runs); sub(/\.0+$/, "", text); sub(/^-0$/, "0", text); print text}'
-}
-
-# The three figures of an operation, one a line.
+# Prints the three figures of one operation. A busy machine adds a system call to a run now and then,
+# which one digit does not show.
 measure() {
-    if [ "$1" = helpPercentOfTrue ]; then
-        local folder=$program_folder help_cost true_cost
-        help_cost=$(instructions --collect-atstart=yes "$program" --help) || return
-        true_cost=$(instructions --collect-atstart=yes /bin/true) || return
-        echo "$((help_cost * 100 / true_cost))"
-        system_calls "$program" --help && allocations "$program" --help
-    else
-        per_operation 0 instructions '--toggle-collect=*measuredSection*' "$driver" "$1" \
-            && per_operation 1 system_calls "$driver" "$1" \
-            && per_operation 2 allocations "$driver" "$1"
-    fi
+    case $1 in
+        help) per_cent_of_true build/release/bin ;;
+        staticHelp) per_cent_of_true build/static-release/bin ;;
+        *)
+            counts "$1" "$short_run" > "$logs/short"
+            counts "$1" "$long_run" > "$logs/long"
+            paste "$logs/short" "$logs/long" \
+                | awk -v runs="$((long_run - short_run))" \
+                    '{text = sprintf("%.*f", (NR > 1), ($2 - $1) / runs); printf "%s ", text + 0 == 0 ? 0 : text}'
+            ;;
+    esac
 }
 
-# Prints a line of the table; the status is the number of figures above the budget. "-" is no budget.
+# check OPERATION LIMIT LIMIT LIMIT: prints a line of the table; the status is the number of figures
+# above their limit.
 check() {
-    local operation=$1 budgets=("$2" "$3" "$4") note=$5 figures=() above=() index
-    local units=(instructions 'system calls' allocations)
-    mapfile -t figures < <(measure "$operation")
-    [[ "${figures[*]}" =~ ^[0-9.]+\ [0-9.]+\ [0-9.]+$ ]] || { echo "$operation could not be measured" >&2; exit 1; }
-    printf '%-20s %8s /%8s %5s /%5s %5s /%5s  %s\n' "$operation" "${figures[0]}" "${budgets[0]}" \
-        "${figures[1]}" "${budgets[1]}" "${figures[2]}" "${budgets[2]}" "$note"
+    local operation=$1 limits=("${@:2}") units=(instructions 'system calls' allocations) figures index above=0
+    read -ra figures <<< "$(measure "$operation")"
+    [ "${#figures[@]}" -eq 3 ] || { echo "$operation could not be measured" >&2; exit 1; }
+    printf '%-20s' "$operation"
+    printf ' %8s' "${figures[@]}"
+    printf '   limits: %s %s %s\n' "${limits[@]}"
     for index in 0 1 2; do
-        if [ "${budgets[index]}" != - ] \
-            && awk "BEGIN {exit !(${figures[index]} > ${budgets[index]})}"; then
-            above+=("${units[index]}")
+        if [ "${limits[index]}" != - ] && awk "BEGIN {exit !(${figures[index]} > ${limits[index]})}"; then
+            echo "$operation is above its limit of ${units[index]}" >&2
+            above=$((above + 1))
         fi
     done
-    [ "${#above[@]}" -ne 0 ] || return 0
-    printf "$operation is above its budget of %s\n" "${above[@]}" >&2
-    return "${#above[@]}"
+    return "$above"
 }
 
-check_all() {
-    local status=0 operation instructions calls allocations note
-    printf '%-20s %18s %12s %12s\n' 'figure / budget' instructions 'system calls' allocations
-    while read -r operation instructions calls allocations note; do
-        if [ "$#" -eq 0 ] || [[ " $* " = *" $operation "* ]]; then
-            check "$operation" "$instructions" "$calls" "$allocations" "$note" || status=$?
-        fi
-    done < <(grep -v -e '^#' -e '^$' "$budget_file")
-    return "$status"
+limits_of() {
+    sed -n "s/^$1 //p" "$budget_file"
 }
 
-# Every operation of the driver has a line in the budget, or it would go unnoticed.
-require_complete_budget() {
-    local operation
-    for operation in $("$driver_folder/$driver" --list) "$@"; do
-        if ! grep -q "^$operation " "$budget_file"; then
-            echo "There is no line for $operation in $budget_file" >&2
-            exit 1
-        fi
-    done
-}
-
-scripts/install-packages.sh
+scripts/install-packages.sh run bench
 say "Building"
 cmake --preset bench --log-level=WARNING > /dev/null
 cmake --build --preset bench --target performance_driver
 cmake --preset release --log-level=WARNING > /dev/null
 cmake --build --preset release --target vantricprobe
+cmake --preset static-release --log-level=WARNING > /dev/null
+cmake --build --preset static-release
 
-preload=
+say "Counting"
+printf '%-20s %8s %8s %8s\n' operation instr. calls alloc.
+status=0
 if [ "${1:-}" = --self-test ]; then
-    say "Counting with a planted slowdown"
-    preload=$PWD/$driver_folder/libplanted_slowdown_preload.so
-    status=0
-    check_all getConnectivityType || status=$?
+    read -ra limits <<< "$(limits_of getConnectivityType)"
+    check plantedSlowdown "${limits[@]}" || status=$?
     [ "$status" -eq 3 ] || { echo "The check did not notice all three" >&2; exit 1; }
     echo "The check noticed the planted slowdown in all three figures"
     exit 0
 fi
-require_complete_budget "$@"
-say "Counting"
-check_all "$@" || exit 1
+for operation in $(sed -n 's/^\([A-Za-z0-9]*\) .*/\1/p' "$budget_file"); do
+    read -ra limits <<< "$(limits_of "$operation")"
+    check "$operation" "${limits[@]}" || status=1
+done
+exit "$status"

@@ -1,36 +1,30 @@
 #!/usr/bin/env bash
-# Builds the release for both architectures, with shared and with static libraries, and prints the
-# sizes of the library and of vantricprobe; fails when one is above packaging/size-budget.txt.
+# Builds what is shipped, for both architectures, and prints each file's size and the newest version of
+# the C library's symbols that it asks for; fails when one is above packaging/size-budget.txt, or when a
+# shared library exports other names than packaging/exported-names.txt lists.
 #
-# Usage: scripts/size-check.sh [ARCHITECTURE...]
-#   ARCHITECTURE  armhf or amd64; both when none is named
-source "$(dirname "$0")/common.sh"
+# Usage: scripts/size-check.sh [PRESET...]
+#   PRESET  one that the budget names; all of them when none is named
+source "$(dirname "$(readlink -f "$0")")/common.sh"
 show_help_and_exit_on_demand "$@"
 
 budget_file=packaging/size-budget.txt
-declare -A presets=([armhf]=armhf-release [amd64]=release)
-declare -A tools=([armhf]=arm-linux-gnueabihf- [amd64]=)
-declare -A shared=([shared]=ON [static]=OFF)
+mapfile -t presets < <(grep -v -e '^#' -e '^$' "$budget_file" | cut -d ' ' -f 1 | sort -u)
+if [ "$#" -gt 0 ]; then
+    for preset in "$@"; do
+        [[ " ${presets[*]} " = *" $preset "* ]] || fail "$budget_file has no preset $preset; see scripts/size-check.sh --help."
+    done
+    presets=("$@")
+fi
 
-architectures=("$@")
-[ "$#" -gt 0 ] || architectures=(armhf amd64)
-for architecture in "${architectures[@]}"; do
-    if [ -z "${presets[$architecture]:-}" ]; then
-        echo "There is no architecture $architecture; see scripts/size-check.sh --help" >&2
-        exit 2
-    fi
-done
-
-build() {
-    local architecture=$1 runtime=$2
-    cmake --preset "${presets[$architecture]}" -B "build/size/$architecture-$runtime" --log-level=WARNING \
-        -DBUILD_SHARED_LIBS="${shared[$runtime]}" -DVANTRIC_BUILD_SIMULATOR=OFF
-    cmake --build "build/size/$architecture-$runtime" > "build/size/$architecture-$runtime.log" \
-        || { cat "build/size/$architecture-$runtime.log"; exit 1; }
+tool() {
+    local prefix=
+    [[ $1 != armhf-* ]] || prefix=arm-linux-gnueabihf-
+    "$prefix$2" "${@:3}"
 }
 
-# Kilobytes that the program has in memory at the most, by the kernel's account: the median of some runs,
-# because the kernel maps what lies beside a page as it likes and counts in batches.
+# The largest resident size of the program in KiB, as the kernel reports it: the median of some runs,
+# because the kernel may map neighbouring pages too, and counts in batches.
 peak_memory() {
     local run
     for run in {1..41}; do
@@ -38,41 +32,55 @@ peak_memory() {
     done | sort --numeric-sort | sed -n 21p
 }
 
-# Prints a line of the table; fails above the budget.
-check() {
-    local architecture=$1 runtime=$2 what=$3 budget=$4
-    local folder=build/size/$architecture-$runtime text=- data=- size file
-    case $what in
-        memory) size=$(peak_memory "$folder/bin/vantricprobe") ;;
-        *)
-            file=$folder/bin/$what
-            [ -e "$file" ] || file=$(readlink -f "$folder/lib/$what")
-            "${tools[$architecture]}strip" -o "$file.stripped" "$file"
-            read -r text data < <("${tools[$architecture]}size" "$file.stripped" | awk 'NR == 2 {print $1, $2}')
-            size=$(stat --format %s "$file.stripped")
-            ;;
-    esac
-    printf '%-8s %-8s %-16s %8s %8s %10s %10s\n' "$architecture" "$runtime" "$what" "$text" "$data" "$size" "$budget"
-    if [ "$size" -gt "$budget" ]; then
-        echo "$architecture $runtime $what is above its budget by $((size - budget))" >&2
-        return 1
-    fi
+# The newest GLIBC_x.y among the symbols that a file asks for. Packed relocations ask for 2.36 under a name.
+newest_glibc() {
+    local version
+    version=$(tool "$1" readelf --version-info --wide "$2" | sed 's/GLIBC_ABI_DT_RELR/GLIBC_2.36/' |
+        sed -n 's/.*Name: GLIBC_\([0-9.]*\).*/\1/p' | sort --version-sort | tail -n 1)
+    echo "${version:-none}"
 }
 
-scripts/install-packages.sh
-mkdir -p build/size
-for architecture in "${architectures[@]}"; do
-    say "Building the release for $architecture"
-    build "$architecture" shared
-    build "$architecture" static
+# Prints a line of the table; fails above the budget.
+check() {
+    local preset=$1 what=$2 budget=$3 allowed_glibc=$4 size glibc=- file status=0
+    if [ "$what" = memory ]; then
+        size=$(peak_memory "build/$preset/bin/vantricprobe")
+    else
+        file=build/$preset/bin/$what
+        [ -e "$file" ] || file=$(readlink -f "build/$preset/lib/$what")
+        tool "$preset" strip -o "$file.stripped" "$file"
+        size=$(stat --format %s "$file.stripped")
+        glibc=$(newest_glibc "$preset" "$file")
+    fi
+    printf '%-16s %-14s %8s %8s %6s %8s\n' "$preset" "$what" "$size" "$budget" "$glibc" "$allowed_glibc"
+    if [ "$size" -gt "$budget" ]; then
+        echo "$preset $what is above its budget by $((size - budget))" >&2
+        status=1
+    fi
+    if ! printf '%s\n' "${glibc/none/0}" "${allowed_glibc/none/0}" | sort --version-sort --check=quiet; then
+        echo "$preset $what asks for version $glibc of the C library; $allowed_glibc is allowed" >&2
+        status=1
+    fi
+    if [[ $what = *.so ]]; then
+        cmake -D NM="$(tool "$preset" gcc -print-prog-name=nm)" -D LIBRARY="$file" -P tests/install/ExportedNames.cmake || status=1
+    fi
+    return "$status"
+}
+
+scripts/install-packages.sh run arm gate
+mkdir -p build
+for preset in "${presets[@]}"; do
+    say "Building ($preset)"
+    cmake --preset "$preset" --log-level=WARNING > /dev/null
+    cmake --build --preset "$preset" --target vantricprobe > "build/$preset.log" || { cat "build/$preset.log"; exit 1; }
 done
 
-say "Sizes in bytes (memory: KiB)"
-printf '%-8s %-8s %-16s %8s %8s %10s %10s\n' machine runtime what text data stripped budget
+say "Sizes in bytes (memory: KiB), newest symbol version of the C library"
+printf '%-16s %-14s %8s %8s %6s %8s\n' preset file size budget glibc allowed
 status=0
-while read -r architecture runtime what budget; do
-    if [[ " ${architectures[*]} " = *" $architecture "* ]]; then
-        check "$architecture" "$runtime" "$what" "$budget" || status=1
+while read -r preset what budget glibc; do
+    if [[ " ${presets[*]} " = *" $preset "* ]]; then
+        check "$preset" "$what" "$budget" "$glibc" || status=1
     fi
 done < <(grep -v -e '^#' -e '^$' "$budget_file")
 exit "$status"

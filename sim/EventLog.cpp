@@ -3,18 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "sim/CommandTable.h"
-
 namespace vantric_sim {
-
-namespace {
-
-const char* commandName(uint32_t command) {
-    const CommandDescription* description = findCommand(command);
-    return description == nullptr ? "Unknown" : description->name;
-}
-
-}  // namespace
 
 std::string stampText(WallTime time) {
     using std::chrono::milliseconds;
@@ -31,16 +20,17 @@ std::string stampText(WallTime time) {
     return std::string(date) + fraction;
 }
 
+std::string hexEscape(char character) {
+    char escape[8];
+    std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned char>(character));
+    return escape;
+}
+
 std::string quoted(std::string_view bytes) {
-    constexpr unsigned char firstPrintable = 0x20;
-    constexpr unsigned char firstUnprintable = 0x7f;
     std::string result = "\"";
     for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < firstPrintable || byte >= firstUnprintable) {
-            char escape[8];
-            std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(byte));
-            result += escape;
+        if (character < ' ' || character > '~') {
+            result += hexEscape(character);
             continue;
         }
         if (character == '"' || character == '\\') {
@@ -49,21 +39,6 @@ std::string quoted(std::string_view bytes) {
         result += character;
     }
     return result + '"';
-}
-
-std::string frameText(uint32_t command, std::string_view payload) {
-    return "frame " + std::to_string(command) + " " + commandName(command) + " " +
-           std::to_string(payload.size()) + " " + quoted(payload);
-}
-
-std::string malformedFrameText(uint32_t command) {
-    const CommandDescription* description = findCommand(command);
-    const std::string expectation = description == nullptr ? "" : description->payload;
-    return std::string("malformed ") + commandName(command) + ": expected " + expectation;
-}
-
-std::string eventText(const std::string& name) {
-    return "event " + name;
 }
 
 }  // namespace vantric_sim

@@ -1,8 +1,7 @@
-// The lines that the server prints while it runs, one for each thing that happened.
+// How the server's lines and messages show times and bytes.
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -17,17 +16,11 @@ using WallTime = std::chrono::system_clock::time_point;
 // "2026-11-21 03:35:24.123", local time.
 std::string stampText(WallTime time);
 
+// "\x0a" for a newline.
+std::string hexEscape(char character);
+
 // In double quotes, which are escaped by a backslash as backslashes are; control bytes and bytes
 // from 0x7f on are \xNN.
 std::string quoted(std::string_view bytes);
-
-// "frame 7 SetWifiSsid 4 "home"": number, name or Unknown, payload length, payload.
-std::string frameText(uint32_t command, std::string_view payload);
-
-// "malformed SetWifiSsid: expected ...", for a frame that had no effect.
-std::string malformedFrameText(uint32_t command);
-
-// "event vanish", for an event of the timeline.
-std::string eventText(const std::string& name);
 
 }  // namespace vantric_sim

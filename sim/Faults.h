@@ -2,13 +2,15 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 
-#include "sim/Scenario.h"
-
 namespace vantric_sim {
+
+// The shared-memory objects, by the names that scenarios use.
+enum class Segment { State, Extended, Networks, Commands };
 
 struct SegmentFaults {
     bool frozen = false;              // nothing is written
@@ -26,9 +28,6 @@ struct Faults {
     int64_t timestampAge = 0;  // seconds
 
     SegmentFaults& of(Segment segment) { return segments.at(static_cast<std::size_t>(segment)); }
-    const SegmentFaults& of(Segment segment) const {
-        return segments.at(static_cast<std::size_t>(segment));
-    }
 
     // Whether to ignore the frame of `command` that has just come; counts it.
     bool takeIgnored(uint32_t command) {

@@ -1,10 +1,11 @@
 #include "sim/JsonValue.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <utility>
+
+#include "sim/EventLog.h"
 
 namespace vantric_sim {
 
@@ -22,6 +23,17 @@ std::string shortNumber(double value) {
     return nlohmann::json(value).dump();
 }
 
+// "a, b or c", for messages that list what is allowed.
+std::string alternatives(const std::vector<std::string>& names) {
+    std::string result;
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const bool isLast = index + 1 == names.size();
+        result += index == 0 ? "" : isLast ? " or " : ", ";
+        result += names[index];
+    }
+    return result;
+}
+
 }  // namespace
 
 // Control characters must neither end the text nor reach a terminal.
@@ -29,13 +41,7 @@ std::string ScenarioError::printable(const std::string& reason) {
     std::string result;
     for (const char character : reason) {
         const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7f) {
-            char escape[8];
-            std::snprintf(escape, sizeof(escape), "\\x%02x", static_cast<unsigned int>(byte));
-            result += escape;
-        } else {
-            result += character;
-        }
+        result += byte < 0x20 || byte == 0x7f ? hexEscape(character) : std::string(1, character);
     }
     return result;
 }
@@ -97,35 +103,35 @@ std::vector<JsonValue> JsonValue::elements(std::size_t maximumCount) const {
     return result;
 }
 
-void JsonValue::expectKeys(const std::vector<std::string>& keys) const {
+void JsonValue::object(const std::vector<Key>& keys) const {
     if (!value_->is_object()) {
         failExpecting("an object");
     }
+    std::vector<std::string> names(keys.size());
+    std::transform(keys.begin(), keys.end(), names.begin(),
+                   [](const Key& key) { return key.name; });
     for (const auto& item : value_->items()) {
-        if (std::find(keys.begin(), keys.end(), item.key()) == keys.end()) {
+        if (std::find(names.begin(), names.end(), item.key()) == names.end()) {
             throw ScenarioError(pathOf(item.key()) + ": unknown key, expected " +
-                                alternatives(keys));
+                                alternatives(names));
+        }
+    }
+    for (const Key& key : keys) {
+        if (key.missing != nullptr || value_->contains(key.name)) {
+            key.read(member(key.name, key.missing));
         }
     }
 }
 
-std::optional<JsonValue> JsonValue::find(const std::string& key) const {
+JsonValue JsonValue::member(const std::string& key, const char* expectation) const {
     if (!value_->is_object()) {
         failExpecting("an object");
     }
     const auto found = value_->find(key);
     if (found == value_->end()) {
-        return std::nullopt;
-    }
-    return JsonValue(*found, pathOf(key));
-}
-
-JsonValue JsonValue::member(const std::string& key, const std::string& expectation) const {
-    const std::optional<JsonValue> found = find(key);
-    if (!found) {
         throw ScenarioError(pathOf(key) + ": missing, expected " + expectation);
     }
-    return *found;
+    return {*found, pathOf(key)};
 }
 
 void JsonValue::failExpecting(const std::string& expectation) const {
@@ -135,16 +141,6 @@ void JsonValue::failExpecting(const std::string& expectation) const {
 
 std::string JsonValue::pathOf(const std::string& key) const {
     return path_.empty() ? key : path_ + "." + key;
-}
-
-std::string alternatives(const std::vector<std::string>& names) {
-    std::string result;
-    for (std::size_t index = 0; index < names.size(); ++index) {
-        const bool isLast = index + 1 == names.size();
-        result += index == 0 ? "" : isLast ? " or " : ", ";
-        result += names[index];
-    }
-    return result;
 }
 
 }  // namespace vantric_sim

@@ -7,8 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,6 +27,13 @@ class ScenarioError : public std::runtime_error {
 
 class JsonValue {
   public:
+    // A key that an object may have, and what takes its value.
+    struct Key {
+        std::string name;
+        std::function<void(const JsonValue&)> read;
+        const char* missing = nullptr;  // what was expected there; null when it may be left out
+    };
+
     // The root of a document has an empty path.
     JsonValue(const nlohmann::json& value, std::string path);
 
@@ -42,25 +49,18 @@ class JsonValue {
     // The elements of an array of at most `maximumCount`.
     std::vector<JsonValue> elements(std::size_t maximumCount) const;
 
-    // Fails unless this is an object that has no other keys than these.
-    void expectKeys(const std::vector<std::string>& keys) const;
+    // Reads an object that has no other keys than these, in their order.
+    void object(const std::vector<Key>& keys) const;
 
-    // A member of an object, empty when it is missing.
-    std::optional<JsonValue> find(const std::string& key) const;
-
-    // A member that must be there; `expectation` is for the message when it is not.
-    JsonValue member(const std::string& key, const std::string& expectation) const;
-
-    [[noreturn]] void failExpecting(const std::string& expectation) const;
+    // A member of an object that must be there; `expectation` is for the message when it is not.
+    JsonValue member(const std::string& key, const char* expectation) const;
 
   private:
+    [[noreturn]] void failExpecting(const std::string& expectation) const;
     std::string pathOf(const std::string& key) const;
 
     const nlohmann::json* value_;
     std::string path_;
 };
-
-// "a, b or c", for messages that list what is allowed.
-std::string alternatives(const std::vector<std::string>& names);
 
 }  // namespace vantric_sim

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <mutex>
 
-#include "Vantric/ClientServer/SharedMemoryCircularBuffer.h"
+#include "Vantric/Utils/MultiProcessLock.h"
 
 namespace vantric_sim {
 
@@ -38,7 +38,7 @@ WifiInfosList listOf(const std::vector<WifiListEntry>& networks, int32_t updateC
 }
 
 // The record and a faulty header go out in one hold of the lock: no reader ever sees the record
-// behind a right header.
+// after a right header.
 template <class Layout, class Record>
 void write(Layout& layout, const Record& record, const SegmentFaults& faults, bool isReadable) {
     if (faults.frozen) {
@@ -56,17 +56,6 @@ void write(Layout& layout, const Record& record, const SegmentFaults& faults, bo
     memory->valid = isValid ? 1 : 0;
 }
 
-[[noreturn]] void die() {
-    kill(getpid(), SIGKILL);
-    std::abort();  // not reached: nobody survives SIGKILL
-}
-
-template <class Accessor>
-[[noreturn]] void lockAndDie(Accessor& accessor) {
-    accessor.lock().lock();
-    die();
-}
-
 }  // namespace
 
 struct Publisher::Segments {
@@ -75,7 +64,7 @@ struct Publisher::Segments {
     SharedMemoryWifiList networks;
 };
 
-Publisher::Publisher(const Scenario& scenario, const Faults& faults)
+Publisher::Publisher(const Scenario& scenario, Faults& faults)
     : state(scenario.state),
       extended(scenario.extended),
       networksInRange(scenario.networks),
@@ -100,7 +89,7 @@ void Publisher::publishState() {
     }
     const auto now = std::chrono::floor<seconds>(std::chrono::system_clock::now());
     state.timestamp = static_cast<int32_t>(now.time_since_epoch().count() - faults_.timestampAge);
-    write(segments_->state, state, faults_.of(Segment::State), stateIsReadable);
+    write(segments_->state, state, faults_.of(Segment::State), configurationsLoading == 0);
 }
 
 void Publisher::publishExtended() {
@@ -132,23 +121,17 @@ void Publisher::refreshExtended() {
 }
 
 void Publisher::dieHoldingLock(Segment segment) {
-    using com_qel::Orvane::Vantric::ClientServer::SharedMemoryCircularBuffer;
-    if (segment == Segment::Commands) {
-        constexpr bool asConsumer = true;
-        SharedMemoryCircularBuffer<unsigned char, 4096> ring("ModemCommandsShm", asConsumer);
-        lockAndDie(ring.accessor());
-    }
+    // In the order of Segment.
+    constexpr const char* locks[] = {"ModemStateShmLock", "ModemStateExLock", "ModemWifiListLock",
+                                     "ModemCommandsShmLock"};
     if (!segments_) {
         attach();
     }
-    switch (segment) {
-        case Segment::State:
-            lockAndDie(segments_->state.accessor());
-        case Segment::Extended:
-            lockAndDie(segments_->extended.accessor());
-        default:
-            lockAndDie(segments_->networks.accessor());
-    }
+    com_qel::Orvane::Vantric::ClientServer::MultiProcessLock lock(
+        locks[static_cast<std::size_t>(segment)]);
+    lock.lock();
+    kill(getpid(), SIGKILL);
+    std::abort();  // not reached: no process survives SIGKILL
 }
 
 }  // namespace vantric_sim

@@ -18,7 +18,7 @@ namespace vantric_sim {
 class Publisher {
   public:
     // Detached, with the scenario's initial records. `faults` must outlive this.
-    Publisher(const Scenario& scenario, const Faults& faults);
+    Publisher(const Scenario& scenario, Faults& faults);
     ~Publisher();
 
     Publisher(const Publisher&) = delete;
@@ -28,7 +28,7 @@ class Publisher {
     ModemState state;
     ModemStateExtended extended;
     std::vector<WifiListEntry> networksInRange;  // for the next scan
-    bool stateIsReadable = true;                 // false while a configuration is loaded
+    int configurationsLoading = 0;               // the state is unreadable meanwhile
 
     // Maps the segments and publishes everything; passes on what mapping throws.
     void attach();
@@ -49,7 +49,7 @@ class Publisher {
   private:
     struct Segments;
 
-    const Faults& faults_;
+    Faults& faults_;
     com_qel::Orvane::Vantric::WifiInfosList foundNetworks_;  // by the last scan
     std::unique_ptr<Segments> segments_;                     // null when detached
 };

@@ -2,72 +2,56 @@
 
 #include <algorithm>
 #include <cstring>
-
-#include "Vantric/ModemState.h"
+#include <limits>
 
 namespace vantric_sim {
 
 namespace {
 
-using com_qel::Orvane::Vantric::ModemState;
-using com_qel::Orvane::Vantric::ModemStateExtended;
+using com_qel::Orvane::Vantric::networkFields;
+using com_qel::Orvane::Vantric::WifiInfosList;
 using com_qel::Orvane::Vantric::WifiListEntry;
 
-constexpr RecordField::Kind integer = RecordField::Kind::Integer;
-constexpr RecordField::Kind text = RecordField::Kind::Text;
+std::string bytesOf(const JsonValue& value, const RecordField& field) {
+    std::string bytes(field.size, '\0');
+    if (field.kind == RecordField::Kind::Text) {
+        writeText(bytes.data(), bytes.size(), value.text(field.size - 1));
+    } else {
+        using Limits = std::numeric_limits<int32_t>;
+        const auto number = static_cast<int32_t>(value.integer(Limits::min(), Limits::max()));
+        std::memcpy(bytes.data(), &number, sizeof(number));
+    }
+    return bytes;
+}
 
 }  // namespace
 
-// The time stamp is not among them: publishing sets it.
-const RecordFields& stateFields() {
-    using Record = ModemState;
-    static const RecordFields fields = {
-        {"connectivityType", integer, offsetof(Record, connectivityType), sizeof(int32_t)},
-        {"wifiSsid", text, offsetof(Record, wifiSsid), sizeof(Record::wifiSsid)},
-        {"wifiPassword", text, offsetof(Record, wifiPassword), sizeof(Record::wifiPassword)},
-        {"wifiEncryptionType", integer, offsetof(Record, wifiEncryptionType), sizeof(int32_t)},
-        {"hostname", text, offsetof(Record, hostname), sizeof(Record::hostname)},
-        {"wifiConnectionState", text, offsetof(Record, wifiConnectionState),
-         sizeof(Record::wifiConnectionState)},
-    };
-    return fields;
+FieldChanges readChanges(const JsonValue& object, const RecordFields& table) {
+    FieldChanges changes;
+    std::vector<JsonValue::Key> keys;
+    for (const RecordField& field : table) {
+        keys.push_back({field.key, [&](const JsonValue& value) {
+                            changes.push_back({field.offset, bytesOf(value, field)});
+                        }});
+    }
+    object.object(keys);
+    return changes;
 }
 
-const RecordFields& extendedFields() {
-    using Record = ModemStateExtended;
-    static const RecordFields fields = {
-        {"serverWord", integer, offsetof(Record, serverWord), sizeof(int32_t)},
-        {"carrierSignalLevel", integer, offsetof(Record, carrierSignalLevel), sizeof(int32_t)},
-        {"wifiSsid", text, offsetof(Record, wifiSsid), sizeof(Record::wifiSsid)},
-        {"wifiEncryptionType", integer, offsetof(Record, wifiEncryptionType), sizeof(int32_t)},
-        {"wifiEncryptionName", text, offsetof(Record, wifiEncryptionName),
-         sizeof(Record::wifiEncryptionName)},
-        {"wifiSignalLevel", integer, offsetof(Record, wifiSignalLevel), sizeof(int32_t)},
-        {"ipv4Address", text, offsetof(Record, ipv4Address), sizeof(Record::ipv4Address)},
-        {"macAddress", text, offsetof(Record, macAddress), sizeof(Record::macAddress)},
-        {"updateCounter", integer, offsetof(Record, updateCounter), sizeof(int32_t)},
-    };
-    return fields;
+std::vector<WifiListEntry> readNetworks(const JsonValue& array) {
+    std::vector<WifiListEntry> networks;
+    for (const JsonValue& element : array.elements(WifiInfosList::maximumCount)) {
+        WifiListEntry entry = {};
+        applyChanges(&entry, readChanges(element, networkFields()));
+        element.member("ssid", "the network's name");
+        networks.push_back(entry);
+    }
+    return networks;
 }
 
-const RecordFields& networkFields() {
-    using Record = WifiListEntry;
-    static const RecordFields fields = {
-        {"ssid", text, offsetof(Record, ssid), sizeof(Record::ssid)},
-        {"encryptionType", integer, offsetof(Record, encryptionType), sizeof(int32_t)},
-        {"signalLevel", integer, offsetof(Record, signalLevel), sizeof(int32_t)},
-    };
-    return fields;
-}
-
-void applyChanges(void* record, const std::vector<FieldChange>& changes) {
+void applyChanges(void* record, const FieldChanges& changes) {
     for (const FieldChange& change : changes) {
-        char* field = static_cast<char*>(record) + change.field->offset;
-        if (change.field->kind == integer) {
-            std::memcpy(field, &std::get<int32_t>(change.value), sizeof(int32_t));
-        } else {
-            writeText(field, change.field->size, std::get<std::string>(change.value));
-        }
+        change.bytes.copy(static_cast<char*>(record) + change.offset, change.bytes.size());
     }
 }
 

@@ -1,42 +1,44 @@
-// The fields of the published records by the keys under which scenarios name them.
+// Changes of the published records, by the keys under which scenarios name the fields.
 //
-// One table per record; changes are kept as values and applied to a record later, so that a change
-// on the timeline is checked when the scenario is read. Pure data, safe from any thread.
+// Changes are kept as bytes and applied to a record later, so that a change
+// on the timeline is checked when the scenario is read. Safe from any thread.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <variant>
 #include <vector>
+
+#include "Vantric/ModemState.h"
+#include "Vantric/RecordFields.h"
+#include "sim/JsonValue.h"
 
 namespace vantric_sim {
 
-struct RecordField {
-    enum class Kind { Integer, Text };
-
-    const char* key;
-    Kind kind;
-    std::size_t offset;
-    std::size_t size;  // bytes, a text's NUL included
-};
-
-using RecordFields = std::vector<RecordField>;
-
-const RecordFields& stateFields();
-const RecordFields& extendedFields();
-const RecordFields& networkFields();
+using com_qel::Orvane::Vantric::extendedFields;
+using com_qel::Orvane::Vantric::RecordField;
+using com_qel::Orvane::Vantric::RecordFields;
+using com_qel::Orvane::Vantric::stateFields;
 
 struct FieldChange {
-    const RecordField* field;
-    std::variant<int32_t, std::string> value;  // as the field's kind says
+    std::size_t offset;
+    std::string bytes;
 };
 
-// Writes the changed fields of `record`, which must be the record that the fields belong to. A text
-// is cut to leave a NUL inside its field; bytes behind it become zero.
-void applyChanges(void* record, const std::vector<FieldChange>& changes);
+using FieldChanges = std::vector<FieldChange>;
 
-// Writes `text` to a field of `size` bytes in the same way.
+// The fields that a scenario's object names, each of which must be in the table. Failures are
+// ScenarioErrors.
+FieldChanges readChanges(const JsonValue& object, const RecordFields& table);
+
+// An array of networks, in the same way.
+std::vector<com_qel::Orvane::Vantric::WifiListEntry> readNetworks(const JsonValue& array);
+
+// Writes the changed fields of `record`, which must be the record that the fields belong to.
+void applyChanges(void* record, const FieldChanges& changes);
+
+// Writes `text` to a field of `size` bytes. It is cut to leave a NUL inside the field; the bytes
+// after it become zero.
 void writeText(char* field, std::size_t size, const std::string& text);
 
 template <std::size_t size>

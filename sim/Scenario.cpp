@@ -1,5 +1,7 @@
 #include "sim/Scenario.h"
 
+#include "sim/RecordFields.h"
+
 namespace vantric_sim {
 
 namespace {

@@ -1,13 +1,13 @@
 #include "sim/ScenarioFile.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
-#include "sim/RecordReader.h"
-#include "sim/TimelineReader.h"
+#include "sim/RecordFields.h"
+#include "sim/Timeline.h"
 
 namespace vantric_sim {
 
@@ -15,103 +15,70 @@ namespace {
 
 constexpr int64_t longestMilliseconds = 3'600'000;
 
-// More than any key needs; much deeper documents would exhaust the stack of whoever prints them.
+// More than any key needs; much deeper documents would exhaust the stack of a function that prints
+// them.
 constexpr int deepestNesting = 100;
 
-template <class Group>
-struct DurationKey {
-    const char* key;
-    milliseconds Group::*member;
-};
-
-constexpr DurationKey<Delays> delayKeys[] = {
-    {"switchConnectivity", &Delays::switchConnectivity},
-    {"joinNetwork", &Delays::joinNetwork},
-    {"setEncryption", &Delays::setEncryption},
-    {"configurationStart", &Delays::configurationStart},
-    {"configurationLoad", &Delays::configurationLoad},
-    {"scan", &Delays::scan},
-    {"refresh", &Delays::refresh},
-    {"connect", &Delays::connect},
-};
-
-constexpr DurationKey<Intervals> intervalKeys[] = {
-    {"publish", &Intervals::publish},
-    {"drain", &Intervals::drain},
-};
-
-template <class Group, std::size_t size>
-void readDurations(const std::optional<JsonValue>& object, const DurationKey<Group> (&table)[size],
-                   int64_t minimum, Group& group) {
-    if (!object) {
-        return;
-    }
-    std::vector<std::string> keys;
-    keys.reserve(size);
-    for (const DurationKey<Group>& row : table) {
-        keys.emplace_back(row.key);
-    }
-    object->expectKeys(keys);
-    for (const DurationKey<Group>& row : table) {
-        if (const auto value = object->find(row.key)) {
-            group.*row.member = milliseconds(value->integer(minimum, longestMilliseconds));
-        }
-    }
+// What takes the value of a key into `duration`, or `text`.
+auto into(milliseconds& duration, int64_t minimum) {
+    return [&duration, minimum](const JsonValue& value) {
+        duration = milliseconds(value.integer(minimum, longestMilliseconds));
+    };
 }
 
-void readOptionalText(const std::optional<JsonValue>& value, std::size_t fieldSize,
-                      std::optional<std::string>& text) {
-    if (value) {
-        text = value->text(fieldSize - 1);
-    }
+auto into(std::optional<std::string>& text, std::size_t fieldSize) {
+    return [&text, fieldSize](const JsonValue& value) { text = value.text(fieldSize - 1); };
 }
 
 Scenario readScenario(const JsonValue& root) {
-    root.expectKeys({"state", "extended", "networks", "delays", "intervals",
-                     "configurationHostname", "connectionState", "timeline"});
     Scenario scenario;
-    if (const auto state = root.find("state")) {
-        applyChanges(&scenario.state, readFieldChanges(*state, stateFields()));
-    }
-    if (const auto extended = root.find("extended")) {
-        applyChanges(&scenario.extended, readFieldChanges(*extended, extendedFields()));
-    }
-    if (const auto networks = root.find("networks")) {
-        scenario.networks = readNetworks(*networks);
-    }
-    readDurations(root.find("delays"), delayKeys, 0, scenario.delays);
-    readDurations(root.find("intervals"), intervalKeys, 1, scenario.intervals);
-    readOptionalText(root.find("configurationHostname"), sizeof(ModemState::hostname),
-                     scenario.configurationHostname);
-    readOptionalText(root.find("connectionState"), sizeof(ModemState::wifiConnectionState),
-                     scenario.connectionState);
-    if (const auto timeline = root.find("timeline")) {
-        scenario.timeline = readTimeline(*timeline);
-    }
+    Delays& delays = scenario.delays;
+    Intervals& intervals = scenario.intervals;
+    const std::vector<JsonValue::Key> delayKeys = {
+        {"switchConnectivity", into(delays.switchConnectivity, 0)},
+        {"joinNetwork", into(delays.joinNetwork, 0)},
+        {"setEncryption", into(delays.setEncryption, 0)},
+        {"configurationStart", into(delays.configurationStart, 0)},
+        {"configurationLoad", into(delays.configurationLoad, 0)},
+        {"scan", into(delays.scan, 0)},
+        {"refresh", into(delays.refresh, 0)},
+        {"connect", into(delays.connect, 0)},
+    };
+    const std::vector<JsonValue::Key> intervalKeys = {
+        {"publish", into(intervals.publish, 1)},
+        {"drain", into(intervals.drain, 1)},
+    };
+    root.object({
+        {"state",
+         [&](const JsonValue& value) {
+             applyChanges(&scenario.state, readChanges(value, stateFields()));
+         }},
+        {"extended",
+         [&](const JsonValue& value) {
+             applyChanges(&scenario.extended, readChanges(value, extendedFields()));
+         }},
+        {"networks", [&](const JsonValue& value) { scenario.networks = readNetworks(value); }},
+        {"delays", [&](const JsonValue& value) { value.object(delayKeys); }},
+        {"intervals", [&](const JsonValue& value) { value.object(intervalKeys); }},
+        {"configurationHostname",
+         into(scenario.configurationHostname, sizeof(ModemState::hostname))},
+        {"connectionState",
+         into(scenario.connectionState, sizeof(ModemState::wifiConnectionState))},
+        {"timeline", [&](const JsonValue& value) { scenario.timeline = readTimeline(value); }},
+    });
     return scenario;
 }
 
-[[noreturn]] void failReading(const std::string& path) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the program has one thread
-    throw ScenarioError(path + ": " + std::strerror(errno));
-}
-
 std::string contentOf(const std::string& path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
-    if (!file) {
-        failReading(path);
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    if (!file || errno != 0) {
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the program has one thread
+        throw ScenarioError(path + ": " + std::strerror(errno));
     }
-    std::string content;
-    char block[4096];
-    std::size_t count = 0;
-    while ((count = std::fread(block, 1, sizeof(block), file.get())) > 0) {
-        content.append(block, count);
-    }
-    if (std::ferror(file.get()) != 0) {
-        failReading(path);
-    }
-    return content;
+    return content.str();
 }
 
 }  // namespace

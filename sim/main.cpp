@@ -46,7 +46,7 @@ void catchSignals() {
     action.sa_handler = noteSignal;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
-    // Nobody may read the lines any more, yet clients go on: keep serving them.
+    // The reader of the lines may be gone while clients go on: keep serving them.
     action.sa_handler = SIG_IGN;
     sigaction(SIGPIPE, &action, nullptr);
 }

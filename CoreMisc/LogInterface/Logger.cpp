@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "CoreMisc/LogInterface/LogConfig.h"
@@ -31,17 +33,29 @@ std::string joined(const std::string& directory, const std::string& name) {
 }
 
 // The local time in asctime()'s form, its newline included; empty for a year that cannot be shown.
-// localtime() and asctime() share static storage: the mutex of the one formatting sink guards it.
+// localtime() and asctime() share static storage: the mutex of all formatting sinks guards it.
 const char* stampOf(std::time_t time) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): see above
     const std::tm* local = std::localtime(&time);
     if (local == nullptr) {
         return "";
     }
     // cppcheck-suppress asctimeCalled ; its text, newline included, is the line format
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): called under the sink's mutex only
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): see above
     const char* stamp = std::asctime(local);
     return stamp != nullptr ? stamp : "";
+}
+
+// Adds a sink with a back-end of its own. Both live until the process ends, so there are no owners
+// to free them. Nothing is left behind when memory runs out: the list grows first, and the sink
+// exists before the back-end is given up.
+template <class BackEnd, class... Arguments>
+void addFormattingSink(std::vector<ISink*>& sinks, Formatter formatter,
+                       const Arguments&... arguments) {
+    sinks.reserve(sinks.size() + 1);
+    auto backEnd = std::make_unique<BackEnd>(arguments...);
+    sinks.push_back(new Sink(formatter, backEnd.get()));
+    static_cast<void>(backEnd.release());
 }
 
 // The stamp of the last line serves all lines of the same second: making one costs more than the
@@ -54,7 +68,7 @@ class StampCache {
         // NOLINTNEXTLINE(concurrency-mt-unsafe): as with localtime(), which reads it too
         const char* zone = std::getenv("TZ");
         const bool isSameZone = zone != nullptr ? hasZone_ && zone_ == zone : !hasZone_;
-        if (time != time_ || !isSameZone || stamp_.empty()) {
+        if (time != time_ || !isSameZone) {
             stamp_ = stampOf(time);
             zone_ = zone != nullptr ? zone : "";
             hasZone_ = zone != nullptr;
@@ -64,7 +78,7 @@ class StampCache {
     }
 
   private:
-    std::time_t time_ = 0;
+    std::optional<std::time_t> time_;
     bool hasZone_ = false;
     std::string zone_;
     std::string stamp_;
@@ -88,8 +102,8 @@ const char* FormatLine(const char* levelName, const char* text) {
 
 Logger& Logger::Instance() {
     // Never destroyed: a record may come from the destructor of any static.
-    static Logger* const logger = new Logger;
-    return *logger;
+    static Logger& logger = *new Logger;
+    return logger;
 }
 
 void Logger::Dispatch(Severity severity, const char* text) {
@@ -98,36 +112,23 @@ void Logger::Dispatch(Severity severity, const char* text) {
     }
 }
 
-// Once it is in the list, a sink and what it uses live until the process ends.
-template <class AnySink>
-void Logger::AddSink(std::unique_ptr<AnySink> sink) {
-    sinks_.reserve(sinks_.size() + 1);
-    sinks_.push_back(sink.release());
-}
-
-template <class BackEnd>
-void Logger::AddFormattingSink(Formatter formatter, std::unique_ptr<BackEnd> backEnd) {
-    AddSink(std::make_unique<Sink>(formatter, backEnd.get()));
-    static_cast<void>(backEnd.release());
-}
-
 void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatter) {
     const LogConfig config(SeverityFatal, LogTypeConsole, "./", name, defaultRollingLimitBytes);
     const std::string path = joined(config.root, config.name);
     switch (config.type) {
         case LogTypeTextFile:
-            AddFormattingSink(formatter, std::make_unique<TextFileBackEnd>(path));
+            addFormattingSink<TextFileBackEnd>(sinks_, formatter, path);
             break;
         case LogTypeRollingTextFile:
-            AddFormattingSink(formatter,
-                              std::make_unique<RollingTextFileBackEnd>(path, config.size));
+            addFormattingSink<RollingTextFileBackEnd>(sinks_, formatter, path, config.size);
             break;
         case LogTypeConsole:
-            AddFormattingSink(formatter, std::make_unique<StdOutBackEnd>());
+            addFormattingSink<StdOutBackEnd>(sinks_, formatter);
             break;
         case LogTypeSyslog:
+            sinks_.reserve(sinks_.size() + 1);
             openlog(nullptr, LOG_PID | LOG_CONS | LOG_NDELAY, LOG_USER);
-            AddSink(std::make_unique<SyslogSink>());
+            sinks_.push_back(new SyslogSink);
             break;
         case LogTypeInMemory:
         default:
@@ -139,14 +140,14 @@ void Logger::ConfigureFromEnvironment(const std::string& name, Formatter formatt
 void Logger::ConfigureFile(const std::string& name, const std::string& directory, int level,
                            Formatter formatter) {
     if (directory == consoleDirectory) {
-        AddFormattingSink(formatter, std::make_unique<StdOutBackEnd>());
+        addFormattingSink<StdOutBackEnd>(sinks_, formatter);
     } else {
         const std::string path = joined(directory, name + ".log");
         const std::filesystem::path parent = std::filesystem::path(path).parent_path();
         if (!exists(status(parent))) {
             throw std::runtime_error("Cannot create log file: Path is invalid " + parent.string());
         }
-        AddFormattingSink(formatter, std::make_unique<TextFileBackEnd>(path));
+        addFormattingSink<TextFileBackEnd>(sinks_, formatter, path);
     }
     const bool isSeverity = level >= 0 && level <= static_cast<int>(SeverityFatal);
     threshold_ = isSeverity ? static_cast<Severity>(level) : SeverityError;

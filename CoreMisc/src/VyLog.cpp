@@ -1,9 +1,11 @@
 #include "CoreMisc/src/VyLog.h"
 
+#include <atomic>
 #include <charconv>
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <mutex>
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "CoreMisc/src/VyMutex.h"
@@ -27,7 +29,6 @@ constexpr const char* green = "\x1b[22;32m";
 constexpr const char* yellow = "\x1b[22;33m";
 
 // All of this is initialised at compile time, so records work during static initialisation.
-bool initialised = false;
 uint64_t traceMask = 0;
 bool showFileLine = true;
 const char* errorPrefix = noColor;
@@ -75,7 +76,7 @@ void appendRightAligned(std::string& text, std::string_view piece, std::size_t w
 // The digits of an integer, in characters of this object.
 class Digits {
   public:
-    // Leaves the characters behind the digits as they are: nobody looks at them.
+    // Leaves the characters after the digits uninitialised: none is ever read.
     template <class Integer>
     // cppcheck-suppress uninitMemberVar ; see above
     explicit Digits(Integer number, int base = 10)
@@ -107,8 +108,27 @@ void appendCategory(std::string& text, uint64_t category) {
     text += '|';
 }
 
-void configureFromEnvironment() {
+std::atomic<bool> initialised{false};
+std::mutex configurationMutex;
+// Whether this thread is configuring: a record that it creates meanwhile must not wait for itself.
+thread_local bool isConfiguring = false;
+
+// One thread configures, the others wait. After a configuration that throws, the next record tries
+// again. Not std::call_once, which deadlocks when the configuration itself creates a record.
+void configureOnce() {
+    if (isConfiguring) {
+        return;
+    }
+    const std::lock_guard<std::mutex> guard(configurationMutex);
+    if (initialised.load(std::memory_order_relaxed)) {
+        return;
+    }
+    struct Configuring {
+        Configuring() { isConfiguring = true; }
+        ~Configuring() { isConfiguring = false; }
+    } const configuring;
     LogInterface::Logger::Instance().ConfigureFromEnvironment("dummy", LogInterface::FormatLine);
+    initialised.store(true, std::memory_order_release);
 }
 
 }  // namespace
@@ -174,10 +194,9 @@ void VyLog::SetColors(bool show) {
 }
 
 void VyLog::Init() {
-    if (!initialised) {
-        configureFromEnvironment();
+    if (!initialised.load(std::memory_order_acquire)) {
+        configureOnce();
     }
-    initialised = true;
 }
 
 }  // namespace com_qel

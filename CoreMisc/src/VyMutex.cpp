@@ -12,7 +12,7 @@ namespace {
 constexpr const char* sourceFile = "CoreMisc/src/VyMutex";
 constexpr uint64_t traceCategory = 2;
 
-// A log that cannot be configured (out of memory) loses the record: the mutex itself must go on
+// A log that cannot be configured for lack of memory loses the record: the mutex itself must go on
 // working.
 template <class... Parts>
 void log(VyLog::Level level, int line, uint64_t category, const Parts&... parts) noexcept {

@@ -4,9 +4,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <system_error>
@@ -22,10 +24,19 @@ namespace {
 constexpr uint32_t attachCountSize = sizeof(uint32_t);
 constexpr mode_t ownerReadsAndWrites = 0600;
 
+// What a mapping can reach: on a 32-bit system half of what its size can say.
+constexpr uint32_t longestObject = static_cast<uint32_t>(
+    std::min<uint64_t>(std::numeric_limits<uint32_t>::max(), std::numeric_limits<off_t>::max()));
+
+struct Unmapper {
+    uint32_t length = 0;  // bytes, the attach count included
+    void operator()(void* address) const { munmap(address, length); }
+};
+using Mapping = std::unique_ptr<void, Unmapper>;
+
 struct MappedSegment {
-    void* address;
-    uint32_t length;  // bytes, the attach count included
-    // cppcheck-suppress unusedStructMember ; closed long ago, for whoever looks with a debugger
+    Mapping mapping;
+    // cppcheck-suppress unusedStructMember ; closed long ago, kept for debuggers
     int descriptor;
     std::string name;
 };
@@ -38,53 +49,36 @@ struct MappedSegment {
     throwSystemError("Failed to map to shared memory, error: ", error);
 }
 
-// Gives the object its blocks now: on a full file system touching them later would kill the
-// process. Returns 0 or the error; file systems that cannot reserve blocks are taken as they are.
-// Plain fallocate() because its portable wrapper may fall back to writing into the live object.
-int reserveBlocks(int descriptor, uint32_t length) {
+// Gives the object its blocks now: touching them later on a full file system would kill the
+// process. Returns the error when there is no room, else 0: other errors come from file systems
+// that cannot reserve and from sandboxes that forbid it, and say nothing about room. Plain
+// fallocate() because its portable wrapper may fall back to writing into the live object.
+int reserveBlocks(int descriptor, off_t length) {
     int result = 0;
     do {
-        result = fallocate(descriptor, 0, 0, static_cast<off_t>(length));
+        result = fallocate(descriptor, 0, 0, length);
     } while (result != 0 && errno == EINTR);
-    const bool isUnsupported = result != 0 && (errno == EOPNOTSUPP || errno == ENOSYS);
-    return result == 0 || isUnsupported ? 0 : errno;
+    const int error = result == 0 ? 0 : errno;
+    const bool isNoRoom = error == ENOSPC || error == EDQUOT || error == EFBIG || error == ENOMEM;
+    return isNoRoom ? error : 0;
 }
 
-// The mapping of a whole object; undone unless release()d.
-class Mapping {
-  public:
-    Mapping(int descriptor, uint32_t length) : length_(length) {
-        // An object that cannot be resized shows in the reservation.
-        static_cast<void>(ftruncate(descriptor, static_cast<off_t>(length)));
-        const int reserveError = reserveBlocks(descriptor, length);
-        address_ = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-        const int mapError = errno;
-        close(descriptor);
-        if (address_ == MAP_FAILED) {
-            throwMappingError(mapError);
-        }
-        if (reserveError != 0) {
-            munmap(address_, length_);
-            throwMappingError(reserveError);
-        }
+// Resizes the object and maps it whole; closes the descriptor in either case.
+Mapping mapObject(int descriptor, uint32_t length) {
+    static_cast<void>(ftruncate(descriptor, static_cast<off_t>(length)));
+    const int reserveError = reserveBlocks(descriptor, static_cast<off_t>(length));
+    void* address = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    const int mapError = errno;
+    close(descriptor);
+    if (address == MAP_FAILED) {
+        throwMappingError(mapError);
     }
-
-    ~Mapping() {
-        if (address_ != nullptr) {
-            munmap(address_, length_);
-        }
+    Mapping mapping(address, Unmapper{length});
+    if (reserveError != 0) {
+        throwMappingError(reserveError);
     }
-
-    Mapping(const Mapping&) = delete;
-    Mapping& operator=(const Mapping&) = delete;
-
-    void* address() const { return address_; }
-    void release() { address_ = nullptr; }
-
-  private:
-    void* address_ = nullptr;
-    uint32_t length_;
-};
+    return mapping;
+}
 
 uint32_t readAttachCount(const void* segment) {
     uint32_t count = 0;
@@ -94,10 +88,6 @@ uint32_t readAttachCount(const void* segment) {
 
 void writeAttachCount(void* segment, uint32_t count) {
     std::memcpy(segment, &count, sizeof(count));
-}
-
-void* payloadOf(void* segment) {
-    return static_cast<unsigned char*>(segment) + attachCountSize;
 }
 
 }  // namespace
@@ -111,19 +101,19 @@ SharedMemoryProvider::SharedMemoryProvider()
     : implementation_(std::make_unique<Implementation>()) {}
 
 SharedMemoryProvider::~SharedMemoryProvider() {
-    for (const MappedSegment& segment : implementation_->segments) {
+    for (MappedSegment& segment : implementation_->segments) {
         bool isLast = false;
         const auto entry = implementation_->locks.find(segment.name);
         if (entry != implementation_->locks.end()) {
             const std::lock_guard<MultiProcessLock> guard(*entry->second);
-            uint32_t count = readAttachCount(segment.address);
+            uint32_t count = readAttachCount(segment.mapping.get());
             if (count != 0) {
                 --count;
-                writeAttachCount(segment.address, count);
+                writeAttachCount(segment.mapping.get(), count);
             }
             isLast = count == 0;
         }
-        munmap(segment.address, segment.length);
+        segment.mapping.reset();
         if (isLast) {
             shm_unlink(segment.name.c_str());
         }
@@ -131,34 +121,32 @@ SharedMemoryProvider::~SharedMemoryProvider() {
 }
 
 void* SharedMemoryProvider::map(uint32_t size, const std::string& name) {
-    if (size > std::numeric_limits<uint32_t>::max() - attachCountSize) {
+    if (size > longestObject - attachCountSize) {
         throwMappingError(EOVERFLOW);
     }
-    const uint32_t length = size + attachCountSize;
     const int descriptor = shm_open(name.c_str(), O_RDWR | O_CREAT, ownerReadsAndWrites);
     if (descriptor == -1) {
         throwSystemError("Failed to open shared mem file, error: ", errno);
     }
-    Mapping mapping(descriptor, length);
-    MappedSegment segment = {mapping.address(), length, descriptor, name};
+    MappedSegment segment = {mapObject(descriptor, size + attachCountSize), descriptor, name};
 
     // Everything that may fail comes before the count, which only an entry in the list takes back.
     implementation_->segments.reserve(implementation_->segments.size() + 1);
     auto newLock = std::make_unique<MultiProcessLock>(name + "ProviderLock");
     const auto entry = implementation_->locks.emplace(name, std::move(newLock)).first;
+    implementation_->segments.push_back(std::move(segment));
 
+    void* const address = implementation_->segments.back().mapping.get();
     uint32_t previousCount = 0;
     {
         const std::lock_guard<MultiProcessLock> guard(*entry->second);
-        previousCount = readAttachCount(segment.address);
-        writeAttachCount(segment.address, previousCount + 1);
+        previousCount = readAttachCount(address);
+        writeAttachCount(address, previousCount + 1);
     }
-    void* payload = payloadOf(segment.address);
+    void* const payload = static_cast<unsigned char*>(address) + attachCountSize;
     if (previousCount == 0) {
         std::memset(payload, 0, size);
     }
-    implementation_->segments.push_back(std::move(segment));
-    mapping.release();
     return payload;
 }
 

@@ -14,7 +14,8 @@ namespace vantric_bench {
 
 class EnqueueFloor {
   public:
-    // False when there is no room. Not inlined: like a library, it does not know the size before.
+    // False when there is no room. Not inlined: like a function of a library, it cannot know
+    // the size when it is compiled.
     [[gnu::noinline]] bool enqueue(uint32_t command, const void* payload, uint32_t size) {
         const uint32_t frameSize = size + 8;
         auto* frame = static_cast<unsigned char*>(std::malloc(frameSize));

@@ -15,9 +15,7 @@ class LogFloor {
         }
     }
     ~LogFloor() { std::fclose(file_); }
-
-    LogFloor(const LogFloor&) = delete;
-    LogFloor& operator=(const LogFloor&) = delete;
+    LogFloor& operator=(LogFloor&&) = delete;
 
     bool write(const char* file, int line, const char* text, const char* reason) {
         const int length = std::fprintf(file_, "[%s] <error>: %7s|%35s|%5d|%s%s\n", stamp, "ERROR",

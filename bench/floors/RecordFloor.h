@@ -1,4 +1,4 @@
-// The least that reading a published record takes: lock, look at the header, copy, unlock.
+// The least that reading a published record takes: lock, check of the header, copy, unlock.
 #pragma once
 
 #include <time.h>
@@ -36,7 +36,7 @@ class RecordFloor {
     SharedObject object_;
 };
 
-// What a copy of the basic state needs beyond that: a look at the clock.
+// A query of the basic state also reads the clock, to judge the age of the copy.
 inline bool isFresh(const com_qel::Orvane::Vantric::ModemState& state) {
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);

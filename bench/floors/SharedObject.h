@@ -1,5 +1,5 @@
-// An existing shared-memory object and its contents lock, opened by hand. What the floors stand on:
-// the system's own calls, nothing in between.
+// An existing shared-memory object and its contents lock, opened by hand: the floors use the
+// system's own calls, with nothing in between.
 #pragma once
 
 #include <semaphore.h>
@@ -14,11 +14,9 @@ class SharedObject {
     // Throws std::runtime_error when the object or its lock does not exist.
     explicit SharedObject(const std::string& name);
     ~SharedObject();
+    SharedObject& operator=(SharedObject&&) = delete;
 
-    SharedObject(const SharedObject&) = delete;
-    SharedObject& operator=(const SharedObject&) = delete;
-
-    // What lies behind the attach count.
+    // The bytes after the attach count.
     void* payload() const { return static_cast<unsigned char*>(address_) + attachCountSize; }
     sem_t* semaphore() const { return semaphore_; }
 

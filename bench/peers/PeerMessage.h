@@ -1,9 +1,8 @@
-// The command that the peers of the command channel carry: 16 bytes of payload behind its number.
+// The command that the peers of the command channel carry: its number and 16 bytes of payload.
 #pragma once
 
 #include <cstdint>
 #include <cstring>
-#include <string>
 
 namespace vantric_bench {
 
@@ -18,18 +17,15 @@ struct PeerMessage {
 static_assert(sizeof(PeerMessage) == 20);
 
 // Calls `receive(buffer, size)`, which returns the length of a message or less than 0 when there is
-// none, until then; the number of messages that are as sent.
+// none, until then; the number of messages that arrived as sent.
 template <class Receive>
 int countReceived(const PeerMessage& sent, Receive receive) {
     char buffer[256];
     int count = 0;
-    while (true) {
-        const auto length = receive(buffer, sizeof(buffer));
-        if (length < 0) {
-            return count;
-        }
+    for (long length = 0; (length = receive(buffer, sizeof(buffer))) >= 0;) {
         count += sent.equals(buffer, static_cast<std::size_t>(length)) ? 1 : 0;
     }
+    return count;
 }
 
 }  // namespace vantric_bench

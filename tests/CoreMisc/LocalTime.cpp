@@ -8,13 +8,8 @@ namespace vantric_test {
 namespace {
 
 void setZone(const char* zone) {
-    if (zone != nullptr) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-        setenv("TZ", zone, 1);
-    } else {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
-        unsetenv("TZ");
-    }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+    zone == nullptr ? unsetenv("TZ") : setenv("TZ", zone, 1);
     tzset();
 }
 

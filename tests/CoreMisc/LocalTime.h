@@ -15,9 +15,7 @@ class TimeZone {
   public:
     explicit TimeZone(const char* zone);
     ~TimeZone();
-
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
+    TimeZone& operator=(TimeZone&&) = delete;
 
   private:
     std::optional<std::string> old_;

@@ -19,7 +19,7 @@ namespace {
 namespace LogInterface = com_qel::Korvel::LogInterface;
 using com_qel::VyLog;
 
-const RoleRegistration writeErrors(writeErrorsRole, [](const std::vector<std::string>& messages) {
+const RoleRegistration writeErrors(writeErrorsRole, [](const Arguments& messages) {
     for (const std::string& message : messages) {
         VyLog(VyLog::Error, "folder/Source", 250, 0).stream() << message;
     }

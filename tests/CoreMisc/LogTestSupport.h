@@ -8,10 +8,13 @@
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "tests/support/Roles.h"
-#include "tests/support/SmallDisk.h"
+#include "tests/support/SmallFileSystem.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace vantric_test {
+
+using Names = std::vector<std::string>;    // of files
+using Records = std::vector<std::string>;  // of a log
 
 // The whole content of a file; throws std::runtime_error when there is none.
 std::string readFile(const std::filesystem::path& path);
@@ -27,9 +30,7 @@ class LogEnvironment {
   public:
     explicit LogEnvironment(const LogSettings& settings);
     ~LogEnvironment();
-
-    LogEnvironment(const LogEnvironment&) = delete;
-    LogEnvironment& operator=(const LogEnvironment&) = delete;
+    LogEnvironment& operator=(LogEnvironment&&) = delete;
 };
 
 // Runs a role under exactly these VRAX_LOG_* variables.
@@ -51,9 +52,7 @@ class RecordCapture {
     explicit RecordCapture(com_qel::Korvel::LogInterface::Severity threshold =
                                com_qel::Korvel::LogInterface::SeverityTrace);
     ~RecordCapture();
-
-    RecordCapture(const RecordCapture&) = delete;
-    RecordCapture& operator=(const RecordCapture&) = delete;
+    RecordCapture& operator=(RecordCapture&&) = delete;
 
     const std::vector<std::string>& records() const;
 };

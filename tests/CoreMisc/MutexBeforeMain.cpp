@@ -13,9 +13,7 @@ int destroyed = 0;
 
 // Runs after every static's destructor.
 struct ReportAtTheEnd {
-    ReportAtTheEnd() = default;
-    ReportAtTheEnd(const ReportAtTheEnd&) = delete;
-    ReportAtTheEnd& operator=(const ReportAtTheEnd&) = delete;
+    ReportAtTheEnd& operator=(ReportAtTheEnd&&) = delete;
     ~ReportAtTheEnd() {
         if (destroyed != 0) {
             _exit(destroyed);

@@ -14,7 +14,6 @@ struct Fault {
     int result;
     const char* begin;
     const char* end;
-    int calls;
     bool hadAttributes;
 };
 
@@ -36,16 +35,12 @@ Function nextDefinition(const char* name) {
 
 MutexFault::MutexFault(MutexCall call, int result, const void* memory, std::size_t size) {
     const auto* begin = static_cast<const char*>(memory);
-    fault = {call, result, begin, begin + size, 0, false};
+    fault = {call, result, begin, begin + size, false};
     isActive = true;
 }
 
 MutexFault::~MutexFault() {
     isActive = false;
-}
-
-int MutexFault::calls() const {
-    return fault.calls;
 }
 
 bool MutexFault::hadAttributes() const {
@@ -56,10 +51,7 @@ bool MutexFault::hadAttributes() const {
 
 // These definitions stand in front of the C library's.
 
-using vantric_test::concerns;
-using vantric_test::fault;
-using vantric_test::MutexCall;
-using vantric_test::nextDefinition;
+using namespace vantric_test;
 
 extern "C" int pthread_mutex_init(pthread_mutex_t* mutex,
                                   const pthread_mutexattr_t* attributes) noexcept {
@@ -68,7 +60,6 @@ extern "C" int pthread_mutex_init(pthread_mutex_t* mutex,
     if (!concerns(MutexCall::initialise, mutex)) {
         return result;
     }
-    ++fault.calls;
     fault.hadAttributes = attributes != nullptr;
     return fault.result;
 }
@@ -77,28 +68,16 @@ extern "C" int pthread_mutex_destroy(pthread_mutex_t* mutex) noexcept {
     static const auto next =
         nextDefinition<decltype(&pthread_mutex_destroy)>("pthread_mutex_destroy");
     const int result = next(mutex);
-    if (!concerns(MutexCall::destroy, mutex)) {
-        return result;
-    }
-    ++fault.calls;
-    return fault.result;
+    return concerns(MutexCall::destroy, mutex) ? fault.result : result;
 }
 
 extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
     static const auto next = nextDefinition<decltype(&pthread_mutex_lock)>("pthread_mutex_lock");
-    if (!concerns(MutexCall::lock, mutex)) {
-        return next(mutex);
-    }
-    ++fault.calls;
-    return fault.result != 0 ? fault.result : next(mutex);
+    return concerns(MutexCall::lock, mutex) ? fault.result : next(mutex);
 }
 
 extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
     static const auto next =
         nextDefinition<decltype(&pthread_mutex_unlock)>("pthread_mutex_unlock");
-    if (!concerns(MutexCall::unlock, mutex)) {
-        return next(mutex);
-    }
-    ++fault.calls;
-    return fault.result != 0 ? fault.result : next(mutex);
+    return concerns(MutexCall::unlock, mutex) ? fault.result : next(mutex);
 }

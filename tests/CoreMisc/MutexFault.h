@@ -1,4 +1,4 @@
-// Watches the POSIX mutex calls on one object, and can make them fail.
+// Makes the POSIX mutex calls on one object fail.
 #pragma once
 
 #include <pthread.h>
@@ -9,19 +9,15 @@ namespace vantric_test {
 
 enum class MutexCall { initialise, destroy, lock, unlock };
 
-// While it lives, every call of this kind on a mutex inside the given memory returns `result`. A
-// failing lock or unlock does nothing; a failing initialisation or destruction is done all the
-// same, so the mutex can go on being used. With result 0 the calls do their work and are counted.
-// One at a time.
+// While it lives, every call of this kind on a mutex inside the given memory returns `result`, an
+// error. A lock or unlock does nothing; an initialisation or destruction is done all the same, so
+// the mutex can go on being used. One at a time.
 class MutexFault {
   public:
     MutexFault(MutexCall call, int result, const void* memory, std::size_t size);
     ~MutexFault();
+    MutexFault& operator=(MutexFault&&) = delete;
 
-    MutexFault(const MutexFault&) = delete;
-    MutexFault& operator=(const MutexFault&) = delete;
-
-    int calls() const;
     // Whether the last initialisation came with attributes.
     bool hadAttributes() const;
 };

@@ -30,6 +30,7 @@ SystemLog& systemLog() {
 }  // namespace vantric_test
 
 extern "C" void openlog(const char* identity, int options, int facility) {
+    vantric_test::systemLog().whileOpening();
     vantric_test::systemLog().openings.push_back({identity != nullptr, options, facility});
 }
 

@@ -1,6 +1,7 @@
 // Stands in front of the C library's system log and keeps what would have been sent.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ struct SystemLogEntry {
 };
 
 struct SystemLog {
+    std::function<void()> whileOpening = [] {};  // called while the system log is being opened
     std::vector<SystemLogOpening> openings;
     std::vector<SystemLogEntry> entries;
 };

@@ -14,68 +14,59 @@ namespace {
 using com_qel::Orvane::Vantric::ModemClient;
 using namespace vantric_test;
 
+constexpr int32_t now = 1'900'000'000;
+constexpr int32_t firstStamp = std::numeric_limits<int32_t>::min();
+constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
+constexpr int64_t afterLastStamp = int64_t{lastStamp} + 1;
+
 class ModemClientStaleness : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(client.connect()); }
 
-    bool isReadableAtTheAgeOf(int32_t seconds) {
-        constexpr int32_t now = 1'900'000'000;
-        server.publishAt(now - seconds);
-        return isReadableAt(now);
-    }
-
-    // Whether what is published can be read when the wall clock shows that second.
-    bool isReadableAt(int64_t now) {
-        const WallClockAt clock(now);
-        return client.getConnectivityType(number);
+    // Whether a state with that stamp can be read when the wall clock shows that second.
+    bool isReadable(int32_t stamp, int64_t second) {
+        server.publishAt(stamp);
+        const WallClockAt clock(second);
+        int32_t type = 0;
+        return client.getConnectivityType(type);
     }
 
     PublishedServer server;
     ModemClient client;
-    int32_t number = -1;
 };
 
 TEST_F(ModemClientStaleness, acceptsAStateOfExactlyThreeHundredSeconds) {
-    EXPECT_TRUE(isReadableAtTheAgeOf(300));
+    EXPECT_TRUE(isReadable(now - 300, now));
 }
 
 TEST_F(ModemClientStaleness, refusesAStateOfThreeHundredAndOneSeconds) {
-    EXPECT_FALSE(isReadableAtTheAgeOf(301));
+    EXPECT_FALSE(isReadable(now - 301, now));
 }
 
 TEST_F(ModemClientStaleness, acceptsAStateFromTheFuture) {
-    EXPECT_TRUE(isReadableAtTheAgeOf(-10));
-    server.publishAt(std::numeric_limits<int32_t>::max());
-    EXPECT_TRUE(client.getConnectivityType(number));
+    EXPECT_TRUE(isReadable(now + 10, now));
+    EXPECT_TRUE(isReadable(lastStamp, now));
 }
 
 TEST_F(ModemClientStaleness, refusesAStateFromBeforeTheEpoch) {
-    for (const int32_t timestamp : {0, -1, std::numeric_limits<int32_t>::min()}) {
-        server.publishAt(timestamp);
-        EXPECT_FALSE(client.getConnectivityType(number)) << timestamp;
+    for (const int32_t stamp : {0, -1, firstStamp}) {
+        EXPECT_FALSE(isReadable(stamp, now)) << stamp;
     }
 }
 
-constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
-
 TEST_F(ModemClientStaleness, acceptsAStateInTheLastSecondThatAStampCanShow) {
-    server.publishAt(lastStamp);
-    EXPECT_TRUE(isReadableAt(lastStamp));
+    EXPECT_TRUE(isReadable(lastStamp, lastStamp));
 }
 
 TEST_F(ModemClientStaleness, refusesAStampThatHasWrappedAfterJanuary2038) {
-    server.publishAt(std::numeric_limits<int32_t>::min());
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1));
-    server.publishAt(std::numeric_limits<int32_t>::min() + 1000);
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 1001));
+    EXPECT_FALSE(isReadable(firstStamp, afterLastStamp));
+    EXPECT_FALSE(isReadable(firstStamp + 1000, afterLastStamp + 1000));
 }
 
-TEST_F(ModemClientStaleness,
-       acceptsTheLastStampAfterJanuary2038WhileItIsYoungWhereTheClockCanBeRead) {
+TEST_F(ModemClientStaleness, acceptsTheLastStampFor300SecondsWhereTheClockCanBeReadThen) {
     constexpr bool canReadClock = sizeof(time_t) > sizeof(int32_t);
-    server.publishAt(lastStamp);
-    EXPECT_EQ(isReadableAt(int64_t{lastStamp} + 300), canReadClock);
-    EXPECT_FALSE(isReadableAt(int64_t{lastStamp} + 301));
+    EXPECT_EQ(isReadable(lastStamp, int64_t{lastStamp} + 300), canReadClock);
+    EXPECT_FALSE(isReadable(lastStamp, int64_t{lastStamp} + 301));
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
-// A client behind a C handle that does what a test says instead of using shared memory.
+// A client for a C handle that returns what a test says instead of using shared memory.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Vantric/ModemClient.h"
@@ -12,50 +15,60 @@
 
 namespace vantric_test {
 
+inline ModemClientHandle handleOf(com_qel::Orvane::Vantric::ModemClient& client) {
+    return reinterpret_cast<ModemClientHandle>(&client);
+}
+
 // Notes every call that the blocking C functions make of the client.
 class ScriptedClient : public com_qel::Orvane::Vantric::ModemClient {
   public:
     std::vector<std::string> calls;
-    std::function<bool(int32_t&, std::string&)> passwordRead = [](int32_t&, std::string&) {
-        return true;
-    };
-    std::function<bool(std::string&)> stateRead = [](std::string&) { return true; };
+    // What a read returns; nothing for one that fails. A network without a password is forgotten.
+    using Read = std::function<std::optional<std::string>()>;
+    Read readPassword = [] { return ""; };
+    Read readState = [] { return "OLD"; };
+    int32_t encryptionType = 0;
     bool sends = true;
+    std::chrono::milliseconds sendTime{0};  // how long each command takes to send
 
-    ModemClientHandle handle() { return handleOf(*this); }
-
-    static ModemClientHandle handleOf(com_qel::Orvane::Vantric::ModemClient& client) {
-        return reinterpret_cast<ModemClientHandle>(&client);
+    bool getWifiPasswordAndEncryptionType(int32_t& type, std::string& text) override {
+        type = encryptionType;
+        return answer("read password", readPassword, text);
     }
 
-    bool getWifiPasswordAndEncryptionType(int32_t& encryptionType, std::string& password) override {
-        calls.push_back("read password");
-        return passwordRead(encryptionType, password);
-    }
-
-    bool setWifiPasswordAndEncryptionType(const int32_t& encryptionType,
+    bool setWifiPasswordAndEncryptionType(const int32_t& type,
                                           const std::string& password) override {
-        calls.push_back("set password " + std::to_string(encryptionType) + "," + password);
-        return sends;
+        return note("set password " + std::to_string(type) + "," + password);
     }
 
-    bool setWifiConnection(const std::string& ssid, const int32_t& encryptionType,
+    bool setWifiConnection(const std::string& ssid, const int32_t& type,
                            const std::string& password) override {
-        calls.push_back("connect " + ssid + "," + std::to_string(encryptionType) + "," + password);
-        return sends;
+        return note("connect " + ssid + "," + std::to_string(type) + "," + password);
     }
 
-    bool setWifiConnectionRadius(const std::string& ssid, const int32_t& encryptionType,
+    bool setWifiConnectionRadius(const std::string& ssid, const int32_t& type,
                                  const std::string& username,
                                  const std::string& password) override {
-        calls.push_back("connect " + ssid + "," + std::to_string(encryptionType) + "," + username +
-                        "," + password);
-        return sends;
+        return note("connect " + ssid + "," + std::to_string(type) + "," + username + "," +
+                    password);
     }
 
-    bool getWifiConnectionState(std::string& state) override {
-        calls.push_back("read state");
-        return stateRead(state);
+    bool getWifiConnectionState(std::string& text) override {
+        return answer("read state", readState, text);
+    }
+
+  private:
+    bool answer(const char* call, const Read& read, std::string& text) {
+        calls.emplace_back(call);
+        const std::optional<std::string> found = read();
+        text = found.value_or("");
+        return found.has_value();
+    }
+
+    bool note(const std::string& call) {
+        calls.push_back(call);
+        std::this_thread::sleep_for(sendTime);
+        return sends;
     }
 };
 

@@ -2,56 +2,28 @@
 #include <gtest/gtest.h>
 
 #include "client/CommandLine.h"
-#include "tests/support/PublishedServer.h"
 #include "tests/support/Roles.h"
 
 namespace {
 
-using vantric_test::Result;
-using vantric_test::roleCommand;
-using vantric_test::RoleRegistration;
-using vantric_test::run;
-using Arguments = std::vector<std::string>;
+using namespace vantric_test;
 
-// The arguments say help, so that looking at any of them would show.
-int runWithCount(int argumentCount) {
-    const char* arguments[] = {"-h", nullptr};
-    return vantricprobe::runCommandLine(argumentCount, arguments);
-}
+// The argument asks for help, so that its examination shows. The role's argument is the count.
+const RoleRegistration counted("commandLine", [](const Arguments& arguments) {
+    const char* commandLine[] = {"-h", nullptr};
+    return vantricprobe::runCommandLine(std::stoi(arguments.at(0)), commandLine);
+});
 
-// The role's argument is the count.
-int runWithGivenCount(const Arguments& arguments) {
-    return runWithCount(std::stoi(arguments.at(0)));
-}
-const RoleRegistration commandLine("commandLine", runWithGivenCount);
-
-Result runInProcess(const std::string& argumentCount) {
-    Result result = run(roleCommand("commandLine", {argumentCount}));
-    EXPECT_TRUE(result.status.has_value());
-    return result;
-}
-
-TEST(CommandLine, doesNothingForACountOfZero) {
-    const Result result = runInProcess("0");
-    EXPECT_EQ(result.status.value().code(), 0);
-    EXPECT_EQ(result.output, "");
-}
-
-TEST(CommandLine, doesNothingForANegativeCount) {
-    const Result result = runInProcess("-1");
-    EXPECT_EQ(result.status.value().code(), 0);
-    EXPECT_EQ(result.output, "");
-}
-
-TEST(CommandLine, examinesTheFirstArgumentFromACountOfOneOn) {
-    const Result result = runInProcess("1");
-    EXPECT_EQ(result.status.value().code(), 0);
-    EXPECT_EQ(result.output.substr(0, 21), "Vantric test client.\n");
-}
-
-TEST(CommandLine, touchesNoArgumentForACountOfZero) {
-    EXPECT_EQ(vantricprobe::runCommandLine(0, nullptr), 0);
-    EXPECT_TRUE(vantric_test::sharedMemoryNames().empty());
+TEST(CommandLine, examinesTheArgumentsThatAreCountedAndNoOthers) {
+    const struct {
+        const char* count;
+        const char* firstLine;
+    } rows[] = {{"-1", ""}, {"0", ""}, {"1", "Vantric test client.\n"}};
+    for (const auto& row : rows) {
+        const Result result = run(roleCommand("commandLine", {row.count}));
+        EXPECT_EQ(result.status.code(), 0);
+        EXPECT_EQ(result.output.substr(0, result.output.find('\n') + 1), row.firstLine);
+    }
 }
 
 }  // namespace

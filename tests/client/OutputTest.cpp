@@ -9,31 +9,25 @@
 namespace {
 
 using namespace std::string_view_literals;
-using vantric_test::roleCommand;
-using vantric_test::RoleRegistration;
-using vantric_test::run;
-using Arguments = std::vector<std::string>;
+using namespace vantric_test;
 
-int runNumbers(const Arguments&) {
+const RoleRegistration numbers("numbers", [](const Arguments&) {
     vantricprobe::writeLine(INT64_MIN, " ", int64_t{0}, " ", int64_t{-7}, " ", INT64_MAX);
     return 0;
-}
-const RoleRegistration numbers("numbers", runNumbers);
+});
 
-int runRawBytes(const Arguments&) {
+const RoleRegistration rawBytes("rawBytes", [](const Arguments&) {
     vantricprobe::writeLine("a\0b\x01\x1b[31m\xff %d %s"sv);
     return 0;
-}
-const RoleRegistration rawBytes("rawBytes", runRawBytes);
+});
 
 // Ends without flushing what is still buffered.
-int runOpenLine(const Arguments&) {
+const RoleRegistration openLine("openLine", [](const Arguments&) {
     vantricprobe::writeLine("closed");
     vantricprobe::write("\nopen");
     std::_Exit(0);
     return 0;
-}
-const RoleRegistration openLine("openLine", runOpenLine);
+});
 
 TEST(Output, writesNumbersInPlainDecimal) {
     EXPECT_EQ(run(roleCommand("numbers")).output,

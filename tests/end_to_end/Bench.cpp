@@ -7,41 +7,28 @@
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
 #include "tests/end_to_end/Transcript.h"
-#include "tests/support/Launcher.h"
 #include "tests/support/LogSettings.h"
 
 namespace vantric_test {
 
 namespace {
 
-using com_qel::Orvane::Vantric::ClientServer::ModemCommand;
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
+using namespace com_qel::Orvane::Vantric::ClientServer;
 
-Command program(const std::string& path, const std::vector<std::string>& arguments,
-                int clockFactor) {
+Command program(const std::string& path, const std::vector<std::string>& arguments) {
     forgetLogSettings();
-    Command command;
-    command.program = path;
-    command.arguments = arguments;
-    if (clockFactor != realTime) {
-        command.environment["LD_PRELOAD"] = ACCELERATED_CLOCK_PRELOAD;
-        command.environment["VANTRIC_CLOCK_FACTOR"] = std::to_string(clockFactor);
-    }
-    return watched(command);
+    return watched({path, arguments});
 }
 
 }  // namespace
 
-Command probe(const std::vector<std::string>& arguments, int clockFactor) {
-    return program(VANTRICPROBE_PATH, arguments, clockFactor);
+Command probe(const std::vector<std::string>& arguments) {
+    return program(VANTRICPROBE_PATH, arguments);
 }
 
 Result runCleanly(const Command& command) {
     Result result = run(command, commandPatience);
-    EXPECT_TRUE(result.status.has_value()) << "still running after its output:\n" << result.output;
-    if (result.status) {
-        EXPECT_EQ(result.status->code(), 0) << "signal " << result.status->signal();
-    }
+    EXPECT_EQ(result.status.code(), 0) << "signal " << result.status.signal();
     EXPECT_EQ(result.errors, "");
     return result;
 }
@@ -50,30 +37,17 @@ std::string transcript(const Command& command) {
     return masked(runCleanly(command).output);
 }
 
-Bench::Bench(const std::string& scenario, int clockFactor) : clockFactor_(clockFactor) {
+Bench::Bench(const std::string& scenario) {
     const std::string file = folder_.write("scenario.json", scenario);
-    simulator_ = std::make_unique<ChildProcess>(
-        program(VANTRICSIM_PATH, {"--scenario", file}, clockFactor_));
+    simulator_ = std::make_unique<ChildProcess>(program(VANTRICSIM_PATH, {"--scenario", file}));
     if (!simulator_->waitForOutput("ready\n")) {
         throw std::runtime_error("the simulated server does not get ready: " +
                                  simulator_->errors());
     }
 }
 
-Command Bench::probe(const std::vector<std::string>& arguments) const {
-    return vantric_test::probe(arguments, clockFactor_);
-}
-
-Result Bench::run(const std::vector<std::string>& arguments) const {
-    return runCleanly(probe(arguments));
-}
-
-std::string Bench::transcript(const std::vector<std::string>& arguments) const {
-    return vantric_test::transcript(probe(arguments));
-}
-
 std::vector<std::string> Bench::frames() {
-    // A frame of our own behind all others tells when the server has printed them.
+    // A frame of our own after all others tells when the server has printed them.
     const std::string marker = "marker " + std::to_string(++markerCount_);
     {
         constexpr bool asProducer = false;

@@ -17,18 +17,8 @@ std::string normalised(const std::string& text) {
                               "$1|LINE|");
 }
 
-std::string textOf(const std::string& record) {
-    constexpr const char* label = ">: ";
-    const std::size_t begin = record.find(label) + std::string(label).size();
-    return record.substr(begin, record.size() - begin - 1);
-}
-
 void refuseConnections() {
     std::filesystem::create_directory("/dev/shm/ModemStateShm");
-}
-
-void breakOneLock() {
-    std::filesystem::create_directory("/dev/shm/sem.ModemStateShmLock");
 }
 
 }  // namespace vantric_test

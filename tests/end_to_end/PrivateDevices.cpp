@@ -66,8 +66,4 @@ std::string PrivateDevices::console() {
     return consoleText_;
 }
 
-void PrivateDevices::removeConsole() {
-    std::filesystem::remove(consolePath);
-}
-
 }  // namespace vantric_test

@@ -1,4 +1,4 @@
-// A /dev that nobody outside sees: the null device, the private /dev/shm, a pipe in the place of
+// A /dev that no other process sees: the null device, the private /dev/shm, a pipe in the place of
 // the console, and room for the socket of the system log.
 #pragma once
 
@@ -14,13 +14,10 @@ class PrivateDevices {
     // every test process has. Throws std::system_error when a mount fails.
     PrivateDevices();
     ~PrivateDevices();
-
-    PrivateDevices(const PrivateDevices&) = delete;
-    PrivateDevices& operator=(const PrivateDevices&) = delete;
+    PrivateDevices& operator=(PrivateDevices&&) = delete;
 
     // What was written to the console so far.
     std::string console();
-    static void removeConsole();
 
   private:
     void lay();

@@ -12,7 +12,7 @@ std::string masked(const std::string& output) {
     return std::regex_replace(output, duration, "#$1$2");
 }
 
-int64_t numberBehind(const std::string& output, const std::string& label) {
+int64_t numberAfter(const std::string& output, const std::string& label) {
     const std::size_t start = output.find(label);
     if (start == std::string::npos) {
         ADD_FAILURE() << '"' << label << "\" is missing in:\n" << output;
@@ -21,7 +21,7 @@ int64_t numberBehind(const std::string& output, const std::string& label) {
     const std::size_t first = start + label.size();
     const std::size_t end = output.find_first_not_of("0123456789", first);
     if (end == first) {
-        ADD_FAILURE() << "no number behind \"" << label << "\" in:\n" << output;
+        ADD_FAILURE() << "no number after \"" << label << "\" in:\n" << output;
         return -1;
     }
     return std::stoll(output.substr(first, end - first));
@@ -37,11 +37,6 @@ std::size_t countDots(const std::string& output) {
     return longest;
 }
 
-std::string startingAt(const std::string& output, const std::string& text) {
-    const std::size_t start = output.find(text);
-    return start == std::string::npos ? output : output.substr(start);
-}
-
 std::size_t countOf(const std::string& output, const std::string& text) {
     std::size_t count = 0;
     for (std::size_t at = output.find(text); at != std::string::npos;
@@ -49,14 +44,6 @@ std::size_t countOf(const std::string& output, const std::string& text) {
         ++count;
     }
     return count;
-}
-
-std::string timingsBlock(const std::vector<std::string>& lines) {
-    std::string block = "\n---------------------------------\nTimings:\n";
-    for (const std::string& line : lines) {
-        block += line + "\n";
-    }
-    return block + "\n";
 }
 
 std::string repeated(const std::string& text, std::size_t count) {

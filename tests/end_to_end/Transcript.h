@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace vantric_test {
 
@@ -12,19 +11,13 @@ namespace vantric_test {
 std::string masked(const std::string& output);
 
 // The number that follows `label` the first time; a test failure and -1 when there is none.
-int64_t numberBehind(const std::string& output, const std::string& label);
+int64_t numberAfter(const std::string& output, const std::string& label);
 
 // The dots in the longest run of them.
 std::size_t countDots(const std::string& output);
 
-// `output` from the first `text` on; all of it when there is none.
-std::string startingAt(const std::string& output, const std::string& text);
-
 // How often `text` occurs.
 std::size_t countOf(const std::string& output, const std::string& text);
-
-// The block that most commands end with; `lines` without their line ends.
-std::string timingsBlock(const std::vector<std::string>& lines);
 
 std::string repeated(const std::string& text, std::size_t count);
 

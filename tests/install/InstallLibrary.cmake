@@ -1,21 +1,12 @@
 # Builds and installs one flavour of the library and compares the installed files, component by
-# component, with the list in packaging.
+# component, with the list in packaging. The static flavour is the small one that a release ships.
+include(${CMAKE_CURRENT_LIST_DIR}/Steps.cmake)
 file(REMOVE_RECURSE ${FOLDER}/prefix)
-if(FLAVOUR STREQUAL "shared")
-    set(build_shared ON)
-else()
-    set(build_shared OFF)
-endif()
-include(${CMAKE_CURRENT_LIST_DIR}/SameCompilers.cmake)
-
-function(run)
-    execute_process(COMMAND ${ARGN} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-endfunction()
-
-run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER}/build ${same_compilers}
-    -D CMAKE_BUILD_TYPE=Debug -D CMAKE_INSTALL_LIBDIR=lib
-    -D BUILD_SHARED_LIBS=${build_shared} -D VANTRIC_BUILD_TESTS=OFF -D VANTRIC_BUILD_SIMULATOR=OFF
-    -D VANTRIC_BUILD_BENCHMARKS=OFF)
+set(flavour_static -D CMAKE_BUILD_TYPE=MinSizeRel -D VANTRIC_SMALL=ON)
+set(flavour_shared -D CMAKE_BUILD_TYPE=Debug -D BUILD_SHARED_LIBS=ON)
+run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER}/build ${same_compilers} ${flavour_${FLAVOUR}}
+    -D CMAKE_INSTALL_LIBDIR=lib
+    -D VANTRIC_BUILD_TESTS=OFF -D VANTRIC_BUILD_SIMULATOR=OFF -D VANTRIC_BUILD_CTL=OFF -D VANTRIC_BUILD_BENCHMARKS=OFF)
 run(${CMAKE_COMMAND} --build ${FOLDER}/build)
 foreach(component runtime development)
     run(${CMAKE_COMMAND} --install ${FOLDER}/build --prefix ${FOLDER}/prefix/${component} --component ${component})

@@ -21,16 +21,11 @@ int32_t scanCounterAfterRequest(ServerFixture& server) {
 TEST(Faults, ignoreEveryFrameOfACommandButReportIt) {
     ServerFixture server(timeline(R"({"at": 0, "do": "ignoreCommand", "command": 10})"));
     const int32_t before = server.networks()->updateCounter;
-    EXPECT_EQ(scanCounterAfterRequest(server), before);
-    EXPECT_EQ(scanCounterAfterRequest(server), before);
-    EXPECT_EQ(server.lines().size(), 2U);
-    EXPECT_EQ(server.lines()[0], R"(frame 10 RequestWifiList 0 "")");
-}
-
-TEST(Faults, ignoreOnlyTheCommandTheyName) {
-    ServerFixture server(timeline(R"({"at": 0, "do": "ignoreCommand", "command": 10})"));
     server.send(ModemCommand::SwitchToWifi);
-    server.advance(3s);
+    EXPECT_EQ(scanCounterAfterRequest(server), before);
+    EXPECT_EQ(scanCounterAfterRequest(server), before);
+    EXPECT_EQ(server.lines().size(), 3U);
+    EXPECT_EQ(server.lines()[1], R"(frame 10 RequestWifiList 0 "")");
     EXPECT_EQ(int32_t(server.state()->connectivityType), 1);
 }
 
@@ -43,21 +38,6 @@ TEST(Faults, ignoreTheGivenNumberOfFrames) {
     EXPECT_NE(scanCounterAfterRequest(server), before);
 }
 
-TEST(Faults, ignoreACommandFromTheirTimeOn) {
-    ServerFixture server(timeline(R"({"at": 3, "do": "ignoreCommand", "command": 10})"));
-    const int32_t first = scanCounterAfterRequest(server);
-    server.advance(1s);
-    EXPECT_EQ(scanCounterAfterRequest(server), first);
-}
-
-TEST(Faults, stickTheSwitch) {
-    ServerFixture server(timeline(R"({"at": 0, "do": "stickSwitch"})"));
-    server.send(ModemCommand::SwitchToWifi);
-    server.advance(30s);
-    EXPECT_EQ(int32_t(server.state()->connectivityType), 2);
-    EXPECT_EQ(server.lines(), std::vector<std::string>{R"(frame 5 SwitchToWifi 0 "")"});
-}
-
 TEST(Faults, ageTimeStampsAtOnceAndFromThenOn) {
     ServerFixture server(timeline(R"({"at": 1, "do": "ageTimestamps", "seconds": 500})"));
     server.advance(995ms);
@@ -67,11 +47,6 @@ TEST(Faults, ageTimeStampsAtOnceAndFromThenOn) {
     server.advance(5s);
     EXPECT_GE(secondsSinceEpoch() - server.state()->timestamp, 500);
     EXPECT_LE(secondsSinceEpoch() - server.state()->timestamp, 510);
-}
-
-TEST(Faults, putTimeStampsIntoTheFuture) {
-    ServerFixture server(timeline(R"({"at": 0, "do": "ageTimestamps", "seconds": -100})"));
-    EXPECT_GE(server.state()->timestamp - secondsSinceEpoch(), 90);
 }
 
 TEST(Faults, freezeOneSegment) {
@@ -103,19 +78,11 @@ TEST(Faults, invalidateTheHeaderOfOneSegment) {
         ServerFixture server(timeline(R"({"at": 1, "do": "invalidateHeader", "segment": ")" +
                                       std::string(segment) + R"("})"));
         EXPECT_TRUE(server.state() && server.extended() && server.networks());
-        server.advance(1s);
+        server.advance(10s);
         EXPECT_EQ(server.state().has_value(), segment != std::string("state"));
         EXPECT_EQ(server.extended().has_value(), segment != std::string("extended"));
         EXPECT_EQ(server.networks().has_value(), segment != std::string("networks"));
     }
-}
-
-TEST(Faults, keepAnInvalidHeaderInvalidThroughRefreshes) {
-    ServerFixture server(timeline(R"({"at": 0, "do": "invalidateHeader", "segment": "state"})"));
-    server.advance(10s);
-    EXPECT_FALSE(server.state());
-    EXPECT_EQ(uint32_t(server.stateSegment.accessor().memory()->version), 1U);
-    EXPECT_EQ(server.stateSegment.accessor().memory()->valid, 0);
 }
 
 TEST(Faults, changeTheVersionOfOneSegment) {
@@ -147,37 +114,6 @@ TEST(Faults, endWithRestoreAndPublishAtOnce) {
     EXPECT_NE(scanCounterAfterRequest(server), before);
     server.advance(1s);
     EXPECT_EQ(int32_t(server.state()->connectivityType), 1);
-}
-
-TEST(Faults, leaveFramesInTheRingWhileDrainingIsStopped) {
-    ServerFixture server(
-        timeline(R"({"at": 1, "do": "stopDraining"}, {"at": 5, "do": "resumeDraining"})"));
-    server.advance(1s);
-    server.send(ModemCommand::SendText, "waits");
-    server.send(ModemCommand::SendText, std::string(4088, 'x'));  // finds no room
-    server.advance(3900ms);
-    EXPECT_EQ(server.lines().back(), "event stopDraining");
-    server.advance(200ms);
-    EXPECT_EQ(server.lines().back(), R"(frame 12 SendText 5 "waits")");
-}
-
-TEST(Faults, vanishAndComeBack) {
-    const vantric_sim::SteadyTime start(1h);
-    vantric_sim::SimulatedServer server(
-        vantric_sim::parseScenario(timeline(R"({"at": 1, "do": "vanish", "seconds": 2})")),
-        [](const std::string&) {});
-    server.start(start);
-    server.step(start + 1s);
-    {
-        // A client finds only the objects that it creates itself.
-        com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemState segment;
-        com_qel::Orvane::Vantric::ModemState state;
-        EXPECT_FALSE(segment.read(state));
-        server.step(start + 2900ms);
-        EXPECT_FALSE(segment.read(state));
-        server.step(start + 3s);
-        EXPECT_TRUE(segment.read(state));
-    }
 }
 
 TEST(Faults, takeNoCommandsWhileVanishedAndForgetThoseInProgress) {

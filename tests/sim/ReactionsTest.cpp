@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "sim/Reactions.h"
 #include "tests/sim/ServerFixture.h"
 
 namespace {
@@ -45,13 +44,6 @@ class Reactions : public testing::Test {
     ServerFixture server{shortDelays};
 };
 
-TEST_F(Reactions, switchToWifiAfterTheDelay) {
-    sendAndApproach(ModemCommand::SwitchToWifi);
-    EXPECT_EQ(int32_t(server.state()->connectivityType), 2);
-    letItHappen();
-    EXPECT_EQ(int32_t(server.state()->connectivityType), 1);
-}
-
 TEST_F(Reactions, switchToCarrierAfterTheDelay) {
     sendAndWait(ModemCommand::SwitchToWifi);
     sendAndApproach(ModemCommand::SwitchToCarrier);
@@ -73,11 +65,6 @@ TEST_F(Reactions, joinANetworkInBothStates) {
     letItHappen();
     EXPECT_EQ(fieldText(server.state()->wifiSsid), "café, upstairs");
     EXPECT_EQ(fieldText(server.extended()->wifiSsid), "café, upstairs");
-}
-
-TEST_F(Reactions, joinTheEmptyName) {
-    sendAndWait(ModemCommand::SetWifiSsid, "");
-    EXPECT_EQ(fieldText(server.state()->wifiSsid), "");
 }
 
 TEST_F(Reactions, cutLongTextsToLeaveANulInTheirFields) {
@@ -109,15 +96,19 @@ TEST_F(Reactions, forgetTheNetworkOnRequest) {
     EXPECT_EQ(fieldText(server.state()->wifiConnectionState), "N/A");
 }
 
-TEST_F(Reactions, keepTheConnectionStateWhenOnlyTheEncryptionChanges) {
+TEST_F(Reactions, takeOtherPasswordsAndTypesForNoRequestToForget) {
     sendAndWait(ModemCommand::SetWifiConnection, "home,2,pw");
-    sendAndWait(ModemCommand::SetWifiPasswordAndEncryptionType, "0,pw");
-    EXPECT_EQ(fieldText(server.state()->wifiPassword), "pw");
-    EXPECT_EQ(fieldText(server.state()->wifiConnectionState), "Connected to home");
+    for (const auto& [payload, password] :
+         {std::pair("0,", ""), std::pair("0,00", "00"), std::pair("-2147483648,0", "0")}) {
+        sendAndWait(ModemCommand::SetWifiPasswordAndEncryptionType, payload);
+        EXPECT_EQ(fieldText(server.state()->wifiPassword), password);
+        EXPECT_EQ(fieldText(server.state()->wifiConnectionState), "Connected to home");
+    }
+    EXPECT_EQ(int32_t(server.state()->wifiEncryptionType), INT32_MIN);
 }
 
 TEST_F(Reactions, loadAConfigurationThroughAnUnreadableStateToANewHostName) {
-    sendAndApproach(ModemCommand::SetConfig, "backup/north.cfg");
+    sendAndApproach(ModemCommand::SetConfig, "backup/north site.v2.cfg");
     EXPECT_TRUE(server.state());
     letItHappen();
     EXPECT_FALSE(server.state());
@@ -125,7 +116,7 @@ TEST_F(Reactions, loadAConfigurationThroughAnUnreadableStateToANewHostName) {
     EXPECT_FALSE(server.state());
     server.advance(5ms);
     ASSERT_TRUE(server.state());
-    EXPECT_EQ(fieldText(server.state()->hostname), "north");
+    EXPECT_EQ(fieldText(server.state()->hostname), "north site.v2");
 }
 
 TEST_F(Reactions, keepTheStateUnreadableWhileAnyConfigurationIsLoaded) {
@@ -139,26 +130,12 @@ TEST_F(Reactions, keepTheStateUnreadableWhileAnyConfigurationIsLoaded) {
     EXPECT_EQ(fieldText(server.state()->hostname), "two");
 }
 
-TEST_F(Reactions, refreshStampsOfAnUnreadableStateStayUnreadable) {
-    server.send(ModemCommand::SetConfig, "one.cfg");
-    server.send(ModemCommand::SwitchToWifi);
-    server.advance(150ms);
-    EXPECT_FALSE(server.state());
-    server.advance(1s);
-    EXPECT_EQ(int32_t(server.state()->connectivityType), 1);
-}
-
-TEST(ReactionsOfAScenario, takeTheHostNameFromTheScenario) {
-    ServerFixture server(R"({"configurationHostname": "fixed"})");
+TEST(ReactionsOfAScenario, takeTheirTextsFromIt) {
+    ServerFixture server(R"({"configurationHostname": "fixed", "connectionState": "up"})");
     server.send(ModemCommand::SetConfig, "north.cfg");
-    server.advance(10s);
-    EXPECT_EQ(fieldText(server.state()->hostname), "fixed");
-}
-
-TEST(ReactionsOfAScenario, takeTheConnectionStateFromTheScenario) {
-    ServerFixture server(R"({"connectionState": "up"})");
     server.send(ModemCommand::SetWifiConnection, "home,2,pw");
     server.advance(10s);
+    EXPECT_EQ(fieldText(server.state()->hostname), "fixed");
     EXPECT_EQ(fieldText(server.state()->wifiConnectionState), "up");
 }
 
@@ -217,14 +194,24 @@ TEST_F(Reactions, doNothingAboutTexts) {
 }
 
 TEST_F(Reactions, reportMalformedPayloadsAndChangeNothing) {
-    expectMalformed(ModemCommand::SwitchToWifi, "x");
-    expectMalformed(ModemCommand::SwitchToCarrier, "x");
-    expectMalformed(ModemCommand::SetWifiPasswordAndEncryptionType, "abc");
-    expectMalformed(ModemCommand::SetConfig, "");
-    expectMalformed(ModemCommand::RequestWifiList, "x");
-    expectMalformed(ModemCommand::RequestModemStatus, "x");
-    expectMalformed(ModemCommand::SetWifiConnection, "home,none,pw");
-    expectMalformed(ModemCommand::SetWifiConnectionRadius, "home,4,user");
+    for (const ModemCommand command :
+         {ModemCommand::SwitchToWifi, ModemCommand::SwitchToCarrier, ModemCommand::RequestWifiList,
+          ModemCommand::RequestModemStatus}) {
+        expectMalformed(command, "x");
+    }
+    for (const char* payload :
+         {"", "2", "x,y", ",y", "2 ,y", " 2,y", "2x,y", "+2,y", "0x2,y", "2147483648,y"}) {
+        expectMalformed(ModemCommand::SetWifiPasswordAndEncryptionType, payload);
+    }
+    for (const char* payload : {"", "folder/"}) {
+        expectMalformed(ModemCommand::SetConfig, payload);
+    }
+    for (const char* payload : {"", "home", "home,4", "home,none,pw", "a,b,4,pw"}) {
+        expectMalformed(ModemCommand::SetWifiConnection, payload);
+    }
+    for (const char* payload : {"home,4,user", "home,x,user,pw"}) {
+        expectMalformed(ModemCommand::SetWifiConnectionRadius, payload);
+    }
 }
 
 TEST_F(Reactions, sayWhatAMalformedPayloadShouldHaveBeen) {

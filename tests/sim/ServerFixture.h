@@ -26,11 +26,12 @@ using vantric_sim::ModemCommand;
 
 class ServerFixture {
   public:
-    // Starts a server with the scenario of this text. The client attaches before it.
+    // Starts a server. The client attaches before it.
     explicit ServerFixture(const std::string& scenario = "{}")
+        : ServerFixture(vantric_sim::parseScenario(scenario)) {}
+    explicit ServerFixture(const vantric_sim::Scenario& scenario)
         : server_(std::make_unique<vantric_sim::SimulatedServer>(
-              vantric_sim::parseScenario(scenario),
-              [this](const std::string& line) { lines_.push_back(line); })) {
+              scenario, [this](const std::string& line) { lines_.push_back(line); })) {
         server_->start(now_);
     }
 

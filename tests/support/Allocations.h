@@ -11,9 +11,7 @@ class Allocations {
     // std::bad_alloc, later ones succeed again. One object at a time.
     explicit Allocations(std::size_t failingAllocation = 0);
     ~Allocations();
-
-    Allocations(const Allocations&) = delete;
-    Allocations& operator=(const Allocations&) = delete;
+    Allocations& operator=(Allocations&&) = delete;
 
     std::size_t count() const;
     std::size_t largestSize() const;

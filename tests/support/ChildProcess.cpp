@@ -1,5 +1,6 @@
 #include "tests/support/ChildProcess.h"
 
+#include <elf.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -9,9 +10,14 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <sstream>
 #include <stdexcept>
 
-#include "tests/support/Emulation.h"
 #include "tests/support/Polling.h"
 
 namespace vantric_test {
@@ -40,39 +46,65 @@ std::map<std::string, std::string> ownEnvironment() {
     return result;
 }
 
-// What execve() takes.
-class Execution {
-  public:
-    // Nothing is added to the command's environment.
-    explicit Execution(const Command& command)
-        : program_(command.program), arguments_{command.commandName.value_or(command.program)} {
-        arguments_.insert(arguments_.end(), command.arguments.begin(), command.arguments.end());
-        for (const auto& [name, value] : command.environment) {
-            environment_.push_back(std::string(name).append("=").append(value));
-        }
-        argumentPointers_ = pointersTo(arguments_);
-        environmentPointers_ = pointersTo(environment_);
+std::vector<std::string> wordsOf(const char* text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+constexpr const char* preloadVariable = "LD_PRELOAD";
+
+#ifdef __arm__
+constexpr Elf32_Half ownMachine = EM_ARM;
+#else
+constexpr Elf32_Half ownMachine = EM_X86_64;
+#endif
+
+bool isOfOwnArchitecture(const std::string& program) {
+    Elf32_Ehdr header = {};  // as far as the machine, all headers are alike
+    std::ifstream(program, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof(header));
+    return std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0 && header.e_machine == ownMachine;
+}
+
+// "/proc/self/exe" would be the emulator itself.
+std::string executable(const std::string& program) {
+    return std::filesystem::is_symlink(program) ? std::filesystem::read_symlink(program).string()
+                                                : program;
+}
+
+// `command` run by the emulator that the build was configured with, when there is one and the
+// program is of the build's architecture (a shell, say, is this machine's own).
+Command emulated(const Command& command) {
+    const std::vector<std::string> words = wordsOf(TEST_EMULATOR);
+    // A machine without the emulator needs none: it is of the build's architecture.
+    if (words.empty() || access(words.front().c_str(), X_OK) != 0) {
+        return command;
     }
-
-    Execution(const Execution&) = delete;
-    Execution& operator=(const Execution&) = delete;
-
-    // Returns when that is impossible only.
-    void perform() const {
-        execve(program_.c_str(), argumentPointers_.data(), environmentPointers_.data());
+    const std::string program = executable(command.program);
+    if (!isOfOwnArchitecture(program)) {
+        return command;
     }
+    Command result = command;
+    result.program = words.front();
+    result.commandName.reset();
+    result.arguments.assign(words.begin() + 1, words.end());
+    result.arguments.insert(result.arguments.end(),
+                            {"-0", command.commandName.value_or(command.program)});
+    const auto preload = result.environment.find(preloadVariable);
+    if (preload != result.environment.end()) {
+        result.arguments.insert(result.arguments.end(),
+                                {"-E", std::string(preloadVariable) + "=" + preload->second});
+        result.environment.erase(preload);
+    }
+    result.arguments.push_back(program);
+    result.arguments.insert(result.arguments.end(), command.arguments.begin(),
+                            command.arguments.end());
+    return result;
+}
 
-  private:
-    std::string program_;
-    std::vector<std::string> arguments_;
-    std::vector<std::string> environment_;
-    std::vector<char*> argumentPointers_;
-    std::vector<char*> environmentPointers_;
-};
-
-Execution executionOf(Command command) {
-    command.environment.merge(ownEnvironment());
-    return Execution(emulated(command));
+// Without the line that the emulator adds when a signal ends the program.
+std::string withoutEmulatorsWords(const std::string& errors) {
+    static const std::regex report("qemu: uncaught target signal [0-9]+ .*\n");
+    return std::regex_replace(errors, report, "");
 }
 
 int openCapture(const char* name) {
@@ -104,27 +136,54 @@ int ExitStatus::signal() const {
     return WIFSIGNALED(raw) ? WTERMSIG(raw) : 0;
 }
 
-void replaceThisProcess(const Command& command) {
-    executionOf(command).perform();
+Command watched(Command command) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): tests have one thread here
+    const char* launcher = std::getenv("VANTRIC_TEST_LAUNCHER");
+    std::vector<std::string> words = wordsOf(launcher != nullptr ? launcher : "");
+    if (words.empty()) {
+        return command;
+    }
+    words.push_back(command.program);
+    words.insert(words.end(), command.arguments.begin(), command.arguments.end());
+    command.program = words.front();
+    command.arguments.assign(words.begin() + 1, words.end());
+    return command;
 }
 
 ChildProcess::ChildProcess(const Command& command)
     : outputDescriptor_(openCapture("output")), errorsDescriptor_(openCapture("errors")) {
-    const Execution execution = executionOf(command);
+    Command complete = command;
+    complete.environment.merge(ownEnvironment());
+    complete = emulated(complete);
+    std::vector<std::string> arguments = {complete.commandName.value_or(complete.program)};
+    arguments.insert(arguments.end(), complete.arguments.begin(), complete.arguments.end());
+    std::vector<std::string> environment;
+    for (const auto& [name, value] : complete.environment) {
+        environment.push_back(std::string(name).append("=").append(value));
+    }
+    const std::vector<char*> argumentPointers = pointersTo(arguments);
+    const std::vector<char*> environmentPointers = pointersTo(environment);
     const int standardOutput = command.standardOutput.value_or(outputDescriptor_);
+    const int standardError = command.standardError.value_or(errorsDescriptor_);
 
     pid_ = fork();
     if (pid_ == -1) {
         throw std::runtime_error("fork failed");
     }
     if (pid_ == 0) {
+        const int standardInput =
+            command.standardInput.value_or(open("/dev/null", O_RDONLY | O_CLOEXEC));
         // Nothing outlives a test binary that is killed.
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        dup2(nothing, STDIN_FILENO);
+        dup2(standardInput, STDIN_FILENO);
         dup2(standardOutput, STDOUT_FILENO);
-        dup2(errorsDescriptor_, STDERR_FILENO);
-        execution.perform();
+        dup2(standardError, STDERR_FILENO);
+        for (const auto preparation : command.preparations) {
+            if (!preparation()) {
+                std::_Exit(cannotExecuteStatus);
+            }
+        }
+        execve(complete.program.c_str(), argumentPointers.data(), environmentPointers.data());
         std::_Exit(cannotExecuteStatus);
     }
 }
@@ -172,7 +231,11 @@ std::optional<ExitStatus> ChildProcess::wait(std::chrono::milliseconds patience)
 Result run(const Command& command, std::chrono::milliseconds patience) {
     ChildProcess child(command);
     const std::optional<ExitStatus> status = child.wait(patience);
-    return {status, child.output(), child.errors()};
+    if (!status) {
+        throw std::runtime_error("still running after its output:\n" + child.output() +
+                                 child.errors());
+    }
+    return {*status, child.output(), child.errors()};
 }
 
 }  // namespace vantric_test

@@ -1,4 +1,5 @@
-// A real child process with captured output and bounded waits.
+// A real child process with captured output and bounded waits. A program of a build for another
+// architecture runs in the emulator that the tests themselves run in.
 #pragma once
 
 #include <sys/types.h>
@@ -17,11 +18,15 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds defaultPatience = 60s;
 
 struct Command {
-    std::string program;                             // path of the executable
-    std::vector<std::string> arguments;              // behind argv[0]
-    std::map<std::string, std::string> environment;  // added to this process's own
-    std::optional<std::string> commandName;          // argv[0], when not the program's path
-    std::optional<int> standardOutput;               // a descriptor to use instead of capturing
+    std::string program;                               // path of the executable
+    std::vector<std::string> arguments{};              // after argv[0]
+    std::map<std::string, std::string> environment{};  // added to this process's own
+    std::optional<std::string> commandName{};          // argv[0], when not the program's path
+    std::optional<int> standardOutput{};               // a descriptor to use instead of capturing
+    std::optional<int> standardError{};                // the same
+    std::optional<int> standardInput{};                // a descriptor instead of /dev/null
+    std::vector<bool (*)()> preparations{};  // the child's last steps before the program; each may
+                                             // only make system calls, and false ends the child
 };
 
 // How a child ended.
@@ -34,9 +39,9 @@ struct ExitStatus {
     int signal() const;
 };
 
-// Executes the command in the place of this process, with its environment and descriptors. Returns
-// when that is impossible only.
-void replaceThisProcess(const Command& command);
+// `command` as an argument of the tool that the environment's VANTRIC_TEST_LAUNCHER names (words
+// with blanks between them), so that the tool watches it. Without the variable, `command` itself.
+Command watched(Command command);
 
 class ChildProcess {
   public:
@@ -45,9 +50,7 @@ class ChildProcess {
 
     // Kills (SIGKILL) and reaps a child that is still running.
     ~ChildProcess();
-
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
+    ChildProcess& operator=(ChildProcess&&) = delete;
 
     pid_t pid() const { return pid_; }
     void sendSignal(int signal) const;
@@ -70,12 +73,12 @@ class ChildProcess {
 };
 
 struct Result {
-    std::optional<ExitStatus> status;  // empty when the child had to be killed
+    ExitStatus status;
     std::string output;
     std::string errors;
 };
 
-// Runs a command to its end.
+// Runs a command to its end. Throws std::runtime_error when patience runs out first.
 Result run(const Command& command, std::chrono::milliseconds patience = defaultPatience);
 
 }  // namespace vantric_test

@@ -47,9 +47,10 @@ inline std::size_t openDescriptorCount() {
                       std::filesystem::directory_iterator()));
 }
 
-// Whether this process maps the object in /dev/shm with that inode number. (A name would not do: a
-// semaphore is created under another one, which its mapping goes on showing.)
-inline bool isMapped(ino_t inode) {
+// Where this process maps the object in /dev/shm with that inode number first; null when it does
+// not. (A name would not do: a semaphore is created under another one, which its mapping goes on
+// showing.)
+inline void* mappingOf(ino_t inode) {
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
         std::istringstream fields(line);
@@ -57,10 +58,16 @@ inline bool isMapped(ino_t inode) {
         ino_t mappedInode = 0;
         fields >> addresses >> rights >> offset >> device >> mappedInode >> path;
         if (mappedInode == inode && path.rfind("/dev/shm/", 0) == 0) {
-            return true;
+            void* begin = nullptr;
+            std::istringstream(addresses) >> begin;
+            return begin;
         }
     }
-    return false;
+    return nullptr;
+}
+
+inline bool isMapped(ino_t inode) {
+    return mappingOf(inode) != nullptr;
 }
 
 // An action in a thread of its own, meant to block.
@@ -82,9 +89,7 @@ class BackgroundAction {
 
     // Waits for the end.
     ~BackgroundAction() { thread_.join(); }
-
-    BackgroundAction(const BackgroundAction&) = delete;
-    BackgroundAction& operator=(const BackgroundAction&) = delete;
+    BackgroundAction& operator=(BackgroundAction&&) = delete;
 
     // False when the action ends instead.
     bool blocks() const {

@@ -57,16 +57,13 @@ Vantric::ModemStateExtended someExtendedState(int32_t updateCounter);
 Vantric::WifiInfosList wifiListOf(const std::vector<int32_t>& signalLevels, int32_t updateCounter);
 
 // Attached to all four objects from construction to destruction. Construct clients first or while
-// no thread answers: opening a lock releases it, whoever holds it.
+// no thread answers: opening a lock releases it, even if another process holds it.
 class PublishedServer {
   public:
     using Reaction = std::function<void(const Frame&)>;
 
-    PublishedServer() = default;
     ~PublishedServer();
-
-    PublishedServer(const PublishedServer&) = delete;
-    PublishedServer& operator=(const PublishedServer&) = delete;
+    PublishedServer& operator=(PublishedServer&&) = delete;
 
     Vantric::ClientServer::SharedMemoryModemState state;
     Vantric::ClientServer::SharedMemoryModemStateExtended extendedState;

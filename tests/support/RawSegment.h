@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <stdexcept>
@@ -53,6 +54,19 @@ inline void appendWord(Bytes& bytes, uint32_t word) {
     }
 }
 
+// Where an object's bytes differ from the expected ones first; empty when they do not.
+inline std::string firstDifference(const Bytes& actual, const Bytes& expected) {
+    if (actual.size() != expected.size()) {
+        return "the object has " + std::to_string(actual.size()) + " bytes";
+    }
+    const auto [byte, wanted] = std::mismatch(actual.begin(), actual.end(), expected.begin());
+    if (byte == actual.end()) {
+        return "";
+    }
+    return "object offset " + std::to_string(byte - actual.begin()) + " holds " +
+           std::to_string(int{*byte}) + " instead of " + std::to_string(int{*wanted});
+}
+
 // A view of one object; it counts as nobody's attachment and outlives the removal of the name.
 class RawSegment {
   public:
@@ -73,9 +87,7 @@ class RawSegment {
     }
 
     ~RawSegment() { munmap(address_, length_); }
-
-    RawSegment(const RawSegment&) = delete;
-    RawSegment& operator=(const RawSegment&) = delete;
+    RawSegment& operator=(RawSegment&&) = delete;
 
     Bytes bytes() const { return bytes(0, length_); }
 

@@ -29,9 +29,7 @@ class RawSemaphore {
     }
 
     ~RawSemaphore() { sem_close(semaphore_); }
-
-    RawSemaphore(const RawSemaphore&) = delete;
-    RawSemaphore& operator=(const RawSemaphore&) = delete;
+    RawSemaphore& operator=(RawSemaphore&&) = delete;
 
     int value() const {
         int result = -1;

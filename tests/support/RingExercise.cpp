@@ -110,15 +110,9 @@ std::string RingExercise::compareObject() {
         segment_.reset();
         return segmentExists(objectName) ? "the object still exists" : "";
     }
-    const Bytes actual = segment_->bytes();
-    const Bytes expected = model_.image();
-    if (actual.size() != expected.size()) {
-        return "the object has " + std::to_string(actual.size()) + " bytes";
-    }
-    const auto [difference, wanted] = std::mismatch(actual.begin(), actual.end(), expected.begin());
-    if (difference != actual.end()) {
-        return "object offset " + std::to_string(difference - actual.begin()) + " holds " +
-               std::to_string(int{*difference}) + " instead of " + std::to_string(int{*wanted});
+    std::string difference = firstDifference(segment_->bytes(), model_.image());
+    if (!difference.empty()) {
+        return difference;
     }
     return lock_->value() == 1 ? "" : "the lock is not free";
 }

@@ -12,7 +12,8 @@
 
 namespace vantric_test {
 
-using RoleFunction = int (*)(const std::vector<std::string>& arguments);
+using Arguments = std::vector<std::string>;
+using RoleFunction = int (*)(const Arguments& arguments);
 
 // Registers `function` under `name`, which must be unique in its test binary:
 //     const RoleRegistration holder("lockHolder", [](const auto& arguments) { ...; return 0; });

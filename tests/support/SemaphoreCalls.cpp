@@ -42,25 +42,24 @@ void observeSemaphoreCalls(SemaphoreObserver newObserver) {
 
 }  // namespace vantric_test
 
-using vantric_test::SemaphoreMoment;
+using namespace vantric_test;
 
 extern "C" int sem_wait(sem_t* semaphore) {
-    static auto* const systemsWait = vantric_test::systems<int (*)(sem_t*)>("sem_wait");
-    vantric_test::tell(SemaphoreMoment::AboutToWait, semaphore);
-    return vantric_test::told(systemsWait(semaphore), semaphore);
+    static auto* const systemsWait = systems<int (*)(sem_t*)>("sem_wait");
+    tell(SemaphoreMoment::AboutToWait, semaphore);
+    return told(systemsWait(semaphore), semaphore);
 }
 
 extern "C" int sem_timedwait(sem_t* semaphore, const timespec* deadline) {
-    static auto* const systemsWait =
-        vantric_test::systems<int (*)(sem_t*, const timespec*)>("sem_timedwait");
-    vantric_test::tell(SemaphoreMoment::AboutToTry, semaphore);
-    return vantric_test::told(systemsWait(semaphore, deadline), semaphore);
+    static auto* const systemsWait = systems<int (*)(sem_t*, const timespec*)>("sem_timedwait");
+    tell(SemaphoreMoment::AboutToTry, semaphore);
+    return told(systemsWait(semaphore, deadline), semaphore);
 }
 
 extern "C" int sem_post(sem_t* semaphore) noexcept {
-    static auto* const systemsPost = vantric_test::systems<int (*)(sem_t*)>("sem_post");
-    vantric_test::tell(SemaphoreMoment::AboutToPost, semaphore);
+    static auto* const systemsPost = systems<int (*)(sem_t*)>("sem_post");
+    tell(SemaphoreMoment::AboutToPost, semaphore);
     const int result = systemsPost(semaphore);
-    vantric_test::tell(SemaphoreMoment::Posted, semaphore);
+    tell(SemaphoreMoment::Posted, semaphore);
     return result;
 }

@@ -24,7 +24,7 @@ enum class SemaphoreMoment {
 using SemaphoreObserver = std::function<void(SemaphoreMoment moment, const sem_t* semaphore)>;
 
 // Calls `observer` at every moment from now on; nullptr ends that. For one thread: the observer is
-// called by whoever uses a semaphore. Inherited by fork().
+// called by every user of a semaphore. Inherited by fork().
 void observeSemaphoreCalls(SemaphoreObserver observer);
 
 }  // namespace vantric_test

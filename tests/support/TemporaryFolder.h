@@ -10,9 +10,7 @@ class TemporaryFolder {
   public:
     TemporaryFolder();
     ~TemporaryFolder();
-
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
 

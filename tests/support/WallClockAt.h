@@ -12,9 +12,7 @@ class WallClockAt {
     // thread.
     explicit WallClockAt(int64_t seconds);
     ~WallClockAt();
-
-    WallClockAt(const WallClockAt&) = delete;
-    WallClockAt& operator=(const WallClockAt&) = delete;
+    WallClockAt& operator=(WallClockAt&&) = delete;
 };
 
 }  // namespace vantric_test

@@ -1,39 +1,24 @@
 #include "tests/transcripts/CaseList.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace vantric_test {
 
 namespace {
 
-struct Invocation {
-    const char* name;
-    Arguments arguments;
-};
-
-const std::vector<Invocation>& invocations() {
-    static const std::vector<Invocation> table = {
-        {"status", {"--status"}},
-        {"enablewifi", {"--enablewifi"}},
-        {"disablewifi", {"--disablewifi"}},
-        {"switchtowifi", {"--switchtowifi"}},
-        {"switchtocarrier", {"--switchtocarrier"}},
-        {"setwifi", {"--setwifi", "office"}},
-        {"setConfig", {"--setConfig", "site-b.cfg"}},
-        {"setConfigKeepWifi", {"--setConfigKeepWifi", "site-b.cfg"}},
-        {"availablewifi", {"--availablewifi"}},
-        {"forgetwifi", {"--forgetwifi"}},
-        {"statuscapi", {"--statuscapi"}}};
-    return table;
-}
-
-// Two cycles of the monitor, unless they are long.
+// The monitor never ends by itself: two cycles of it are seen in this time, unless they are long.
 constexpr seconds monitorPatience(13);
 
-seconds longestMonitoring(const Circumstances& circumstances) {
-    return circumstances.patience == Circumstances().patience ? monitorPatience
-                                                              : circumstances.patience;
+Arguments argumentsOf(const std::string& command) {
+    static const std::map<std::string, std::string> values = {
+        {"setwifi", "office"}, {"setConfig", "site-b.cfg"}, {"setConfigKeepWifi", "site-b.cfg"}};
+    Arguments result = {"--" + command};
+    if (const auto value = values.find(command); value != values.end()) {
+        result.push_back(value->second);
+    }
+    return result;
 }
 
 }  // namespace
@@ -66,19 +51,18 @@ Circumstances writingTo(ClientOutput output) {
     return result;
 }
 
-void CaseList::add(const char* situation, const Circumstances& circumstances, const Names& names) {
-    for (const Invocation& invocation : invocations()) {
-        if (std::count(names.begin(), names.end(), invocation.name) != 0) {
-            add(situation, invocation.name, invocation.arguments, circumstances);
-        }
+void CaseList::add(const char* situation, const Circumstances& circumstances,
+                   const std::vector<std::string>& commands) {
+    for (const std::string& command : commands) {
+        add(situation, command, argumentsOf(command), circumstances);
     }
 }
 
-void CaseList::add(const char* situation, const char* name, const Arguments& arguments,
+void CaseList::add(const char* situation, const std::string& name, const Arguments& arguments,
                    Circumstances circumstances) {
-    const bool endsItself = std::count(arguments.begin(), arguments.end(), "--status") == 0;
-    if (!endsItself) {
-        circumstances.patience = std::min(circumstances.patience, longestMonitoring(circumstances));
+    const bool isEndless = std::count(arguments.begin(), arguments.end(), "--status") != 0;
+    if (isEndless && circumstances.patience == Circumstances().patience) {
+        circumstances.patience = monitorPatience;
     }
     TranscriptCase row;
     row.situation = situation;
@@ -86,6 +70,17 @@ void CaseList::add(const char* situation, const char* name, const Arguments& arg
     row.arguments = arguments;
     row.circumstances = circumstances;
     cases.push_back(std::move(row));
+}
+
+std::vector<TranscriptCase> transcriptCases() {
+    CaseList list;
+    addServers(list);
+    addStates(list);
+    addTimes(list);
+    addCommandLines(list);
+    addHindrances(list);
+    addCtl(list);
+    return list.cases;
 }
 
 }  // namespace vantric_test

@@ -11,20 +11,6 @@ namespace vantric_test {
 
 using std::chrono::seconds;
 using Arguments = std::vector<std::string>;
-using Names = std::vector<std::string>;
-
-// The commands of a kind.
-inline const Names all = {"status",          "enablewifi", "disablewifi", "switchtowifi",
-                          "switchtocarrier", "setwifi",    "setConfig",   "setConfigKeepWifi",
-                          "availablewifi",   "forgetwifi", "statuscapi"};
-inline const Names ofTheClass = {"status",       "enablewifi",        "disablewifi",
-                                 "switchtowifi", "switchtocarrier",   "setwifi",
-                                 "setConfig",    "setConfigKeepWifi", "availablewifi"};
-inline const Names readingFirst = {"enablewifi",       "disablewifi", "switchtowifi",
-                                   "switchtocarrier",  "setwifi",     "setConfig",
-                                   "setConfigKeepWifi"};
-inline const Names waiting = {"switchtowifi", "switchtocarrier", "setwifi", "setConfig",
-                              "setConfigKeepWifi"};
 
 Circumstances server(const char* scenario);
 Circumstances until(seconds patience, Circumstances circumstances);
@@ -34,10 +20,12 @@ Circumstances writingTo(ClientOutput output);
 
 class CaseList {
   public:
-    // One case for each of the named commands.
-    void add(const char* situation, const Circumstances& circumstances, const Names& names);
+    // One case for each of the named commands, with the usual value where one is needed.
+    void add(const char* situation, const Circumstances& circumstances,
+             const std::vector<std::string>& commands);
 
-    void add(const char* situation, const char* name, const Arguments& arguments,
+    // `name` becomes the name of the file.
+    void add(const char* situation, const std::string& name, const Arguments& arguments,
              Circumstances circumstances);
 
     std::vector<TranscriptCase> cases;
@@ -47,9 +35,8 @@ class CaseList {
 void addServers(CaseList& list);
 void addStates(CaseList& list);
 void addTimes(CaseList& list);
-void addLogs(CaseList& list);
 void addCommandLines(CaseList& list);
-void addConnectionsThatFail(CaseList& list);
-void addLostOutput(CaseList& list);
+void addHindrances(CaseList& list);
+void addCtl(CaseList& list);
 
 }  // namespace vantric_test

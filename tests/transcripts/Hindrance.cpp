@@ -12,7 +12,7 @@
 #include <system_error>
 
 #include "tests/support/RawSemaphore.h"
-#include "tests/support/TinySharedMemory.h"
+#include "tests/support/SmallFileSystem.h"
 
 namespace vantric_test {
 
@@ -29,14 +29,29 @@ void check(int result, const char* step) {
     }
 }
 
-void liftLimit(const ChildProcess& client, __rlimit_resource resource, const rlimit& usual) {
-    // A client that has ended by now is no process any more.
-    if (prlimit(client.pid(), resource, &usual, nullptr) != 0 && errno != ESRCH) {
-        check(-1, "prlimit");
-    }
+// The client may have only so much of a resource from one moment on until another.
+Hindrance limited(__rlimit_resource resource, rlim_t most, std::chrono::milliseconds begin,
+                  std::chrono::milliseconds end, const char* description) {
+    const auto usual = std::make_shared<rlimit>();
+    Hindrance hindrance;
+    hindrance.description = description;
+    hindrance.raisedAt = begin;
+    hindrance.liftedAt = end;
+    hindrance.raise = [=](const ChildProcess& client, SteppedClock&) {
+        check(prlimit(client.pid(), resource, nullptr, usual.get()), "prlimit");
+        const rlimit lowered = {most, usual->rlim_max};
+        check(prlimit(client.pid(), resource, &lowered, nullptr), "prlimit");
+    };
+    hindrance.lift = [=](const ChildProcess& client, SteppedClock&) {
+        // A client that has ended by now is no process any more.
+        if (prlimit(client.pid(), resource, usual.get(), nullptr) != 0 && errno != ESRCH) {
+            check(-1, "prlimit");
+        }
+    };
+    return hindrance;
 }
 
-// The state is published again a millisecond later: nobody finds it stale.
+// The state is published again a millisecond later, so no client finds it stale.
 Hindrance wallClockSet(std::chrono::nanoseconds step, const char* description) {
     Hindrance hindrance;
     hindrance.description = description;
@@ -99,19 +114,8 @@ Hindrance foreignObjectsForLong() {
 }
 
 Hindrance noDescriptors() {
-    const auto usual = std::make_shared<rlimit>();
-    Hindrance hindrance;
-    hindrance.description = "no descriptor is left until 00:00:02.500";
-    hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [usual](const ChildProcess& client, SteppedClock&) {
-        check(prlimit(client.pid(), RLIMIT_NOFILE, nullptr, usual.get()), "prlimit");
-        const rlimit standardStreams = {3, usual->rlim_max};
-        check(prlimit(client.pid(), RLIMIT_NOFILE, &standardStreams, nullptr), "prlimit");
-    };
-    hindrance.lift = [usual](const ChildProcess& client, SteppedClock&) {
-        liftLimit(client, RLIMIT_NOFILE, *usual);
-    };
-    return hindrance;
+    return limited(RLIMIT_NOFILE, 3, 0ms, betweenTwoAttempts,
+                   "no descriptor is left until 00:00:02.500");
 }
 
 Hindrance readOnlySharedMemory() {
@@ -124,11 +128,13 @@ Hindrance readOnlySharedMemory() {
 }
 
 Hindrance fullSharedMemory() {
-    const auto tiny = std::make_shared<std::optional<TinySharedMemory>>();
+    const auto tiny = std::make_shared<std::optional<SmallFileSystem>>();
     Hindrance hindrance;
     hindrance.description = "/dev/shm has room for two of the four objects until 00:00:02.500";
     hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [tiny](const ChildProcess&, SteppedClock&) { tiny->emplace("24k"); };
+    hindrance.raise = [tiny](const ChildProcess&, SteppedClock&) {
+        tiny->emplace(sharedMemory, "24k");
+    };
     hindrance.lift = [tiny](const ChildProcess&, SteppedClock&) { makeRoom(); };
     return hindrance;
 }
@@ -137,7 +143,7 @@ Hindrance heldCommandChannel() {
     constexpr const char* lock = "ModemCommandsShmLock";
     Hindrance hindrance;
     hindrance.description =
-        "somebody holds the command channel's lock from 00:00:01.000 on until "
+        "another process holds the command channel's lock from 00:00:01.000 on until "
         "00:00:05.000";
     hindrance.raisedAt = 1000ms;
     hindrance.liftedAt = 5000ms;
@@ -151,21 +157,8 @@ Hindrance heldCommandChannel() {
 }
 
 Hindrance noMemory() {
-    const auto usual = std::make_shared<rlimit>();
-    Hindrance hindrance;
-    hindrance.description =
-        "the client gets no more memory from 00:00:01.000 on until 00:00:05.500";
-    hindrance.raisedAt = 1000ms;
-    hindrance.liftedAt = 5500ms;
-    hindrance.raise = [usual](const ChildProcess& client, SteppedClock&) {
-        check(prlimit(client.pid(), RLIMIT_AS, nullptr, usual.get()), "prlimit");
-        const rlimit nothingMore = {1, usual->rlim_max};
-        check(prlimit(client.pid(), RLIMIT_AS, &nothingMore, nullptr), "prlimit");
-    };
-    hindrance.lift = [usual](const ChildProcess& client, SteppedClock&) {
-        liftLimit(client, RLIMIT_AS, *usual);
-    };
-    return hindrance;
+    return limited(RLIMIT_AS, 1, 1000ms, 5500ms,
+                   "the client gets no more memory from 00:00:01.000 on until 00:00:05.500");
 }
 
 Hindrance wallClockSetForwards() {

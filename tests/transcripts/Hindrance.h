@@ -11,7 +11,7 @@ namespace vantric_test {
 
 struct Hindrance {
     const char* description = nullptr;  // null for none
-    // The client must start without the right to open everybody's files.
+    // The client must start without the right to open other users' files.
     bool needsObedientClient = false;
     std::chrono::milliseconds raisedAt = 0ms;
     std::chrono::milliseconds liftedAt = 0ms;
@@ -21,7 +21,7 @@ struct Hindrance {
 
 Hindrance noHindrance();
 
-// The objects exist and are somebody else's.
+// The objects exist and belong to another user.
 Hindrance foreignObjects();
 
 // The same for longer than any limit.
@@ -35,8 +35,8 @@ Hindrance readOnlySharedMemory();
 // Nothing can be created any more; there must be no server.
 Hindrance fullSharedMemory();
 
-// Somebody holds the lock of the command channel. The client must be connected when that begins,
-// for connecting frees the lock; the server must not take frames out.
+// Another process holds the lock of the command channel. The client must be connected when that
+// begins, for connecting frees the lock; the server must not take frames out.
 Hindrance heldCommandChannel();
 
 // The client gets no more memory for a while.

@@ -22,11 +22,13 @@ std::string shortened(std::string_view text);
 
 class RecordedOutput {
   public:
-    RecordedOutput();
-    ~RecordedOutput();
+    // A terminal passes the bytes on as they are, but does not keep writes apart: those of one
+    // moment count as one.
+    enum class Kind { Pipe, Terminal };
 
-    RecordedOutput(const RecordedOutput&) = delete;
-    RecordedOutput& operator=(const RecordedOutput&) = delete;
+    explicit RecordedOutput(Kind kind = Kind::Pipe);
+    ~RecordedOutput();
+    RecordedOutput& operator=(RecordedOutput&&) = delete;
 
     // The end to write to; meant for the client alone, which must have it when this is called.
     int descriptor() const { return writeEnd_; }
@@ -34,18 +36,28 @@ class RecordedOutput {
 
     using Clock = std::function<std::chrono::nanoseconds()>;
 
-    // Takes what was written since the last call. The clock is read behind each write: it must not
+    // Takes what was written since the last call. The clock is read after each write: it must not
     // go on before a write was collected.
     void collect(const Clock& clock);
 
     // A block of lines for each write: its time, then its bytes, escaped, with a line of its own
-    // behind each newline.
+    // after each newline. Writes that come at least three times again at equal intervals stand
+    // once, with their count.
     std::string text() const;
 
     // Applies `change` to the bytes of every write.
     void change(const std::function<void(std::vector<std::string>& writes)>& change);
 
   private:
+    struct Repetition {
+        std::size_t length;  // of the series, in writes
+        std::size_t count;   // how often it comes again
+    };
+
+    Repetition repetitionAt(std::size_t first) const;
+    std::string writeText(std::size_t index) const;
+
+    const bool joinsWrites_;
     std::vector<std::chrono::nanoseconds> times_;
     std::vector<std::string> writes_;
     int readEnd_ = -1;

@@ -6,10 +6,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using vantric_test::escaped;
-using vantric_test::RecordedOutput;
-using vantric_test::shortened;
-using vantric_test::timeText;
+using namespace vantric_test;
 
 void writeTo(const RecordedOutput& output, const std::string& bytes) {
     ASSERT_EQ(write(output.descriptor(), bytes.data(), bytes.size()),
@@ -50,6 +47,46 @@ TEST(RecordedOutput, keepsWritesApart) {
               "             |\\n\n"
               "             |and\n"
               "00:00:02.000 |\\n\n");
+}
+
+// Collects one write for each letter of `text`, all at `time`.
+void record(RecordedOutput& output, std::string_view text, std::chrono::seconds time) {
+    for (const char letter : text) {
+        writeTo(output, {letter});
+    }
+    output.collect([&] { return time; });
+}
+
+// The text of `writes` at each of these times.
+std::string textOf(std::string_view writes, std::initializer_list<std::chrono::seconds> times) {
+    RecordedOutput output;
+    for (const auto time : times) {
+        record(output, writes, time);
+    }
+    return output.text();
+}
+
+TEST(RecordedOutput, countsAWriteThatComesAgainAtEqualIntervals) {
+    EXPECT_EQ(textOf("x", {0s, 3s, 6s, 9s, 13s}),
+              "00:00:00.000 |x\n"
+              "             (again 3 times, every 00:00:03.000)\n"
+              "00:00:13.000 |x\n");
+}
+
+TEST(RecordedOutput, countsASeriesOfWritesThatComesAgain) {
+    EXPECT_EQ(textOf("xy", {0s, 3s, 6s, 9s, 13s}),
+              "00:00:00.000 |x\n"
+              "00:00:00.000 |y\n"
+              "             (the last 2 writes again 3 times, every 00:00:03.000)\n"
+              "00:00:13.000 |x\n"
+              "00:00:13.000 |y\n");
+}
+
+TEST(RecordedOutput, writesOutWhatComesAgainLessOften) {
+    EXPECT_EQ(textOf("x", {0s, 3s, 6s}),
+              "00:00:00.000 |x\n"
+              "00:00:03.000 |x\n"
+              "00:00:06.000 |x\n");
 }
 
 TEST(RecordedOutput, hasRoomForHundredsOfWrites) {

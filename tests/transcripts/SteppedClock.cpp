@@ -16,7 +16,7 @@ namespace {
 
 // In real time.
 constexpr std::chrono::seconds turnPatience(60);
-constexpr timespec lookInterval = {0, 1'000'000};
+constexpr timespec observationInterval = {0, 1'000'000};
 
 SteppedClockPage* mapPage(const std::string& path) {
     const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
@@ -84,7 +84,7 @@ bool SteppedClock::awaitOwnTurn() {
     bool hasEnded = false;
     while (own.state == turnWaiting) {
         observe_();
-        SteppedClockPage::awaitTurn(own, &lookInterval);
+        SteppedClockPage::awaitTurn(own, &observationInterval);
         hasEnded = own.state == turnWaiting && removeEnded();
         if (std::chrono::steady_clock::now() > deadline) {
             throw std::runtime_error("a program neither sleeps nor ends");
@@ -94,7 +94,7 @@ bool SteppedClock::awaitOwnTurn() {
     return !hasEnded;
 }
 
-bool SteppedClock::isAnybodyDue() const {
+bool SteppedClock::isAnyProgramDue() const {
     const auto isDue = [&](const SteppedClockPage::Participant& participant) {
         return participant.state == turnWaiting && participant.wakeTime <= page_->now;
     };
@@ -110,7 +110,7 @@ bool SteppedClock::runUntil(std::chrono::nanoseconds time) {
         if (!awaitOwnTurn()) {
             return false;
         }
-    } while (now() < time || isAnybodyDue());
+    } while (now() < time || isAnyProgramDue());
     return true;
 }
 

@@ -17,12 +17,10 @@ namespace vantric_test {
 
 class SteppedClock {
   public:
-    // `observe` is called at every pause of the client, and now and then while somebody runs.
+    // `observe` is called at every pause of the client, and now and then while a program runs.
     explicit SteppedClock(std::function<void()> observe);
     ~SteppedClock();
-
-    SteppedClock(const SteppedClock&) = delete;
-    SteppedClock& operator=(const SteppedClock&) = delete;
+    SteppedClock& operator=(SteppedClock&&) = delete;
 
     // `command` as a program on this clock.
     Command with(Command command, ClockParticipant participant) const;
@@ -50,7 +48,7 @@ class SteppedClock {
   private:
     bool removeEnded();
     bool awaitOwnTurn();
-    bool isAnybodyDue() const;
+    bool isAnyProgramDue() const;
 
     const std::function<void()> observe_;
     TemporaryFolder folder_;

@@ -1,7 +1,7 @@
 // What the programs on a stepped clock share (see SteppedClock.h): the time, and whose turn it is.
 //
-// Exactly one participant runs at any time. It gives up its turn by waiting for a moment to come,
-// and whoever gives up a turn also hands it on; so nothing here needs a lock.
+// Exactly one participant runs at any time. It gives up its turn by waiting for a moment to come
+// and hands the turn on as it does so; so nothing here needs a lock.
 #pragma once
 
 #include <linux/futex.h>
@@ -40,7 +40,8 @@ struct SteppedClockPage {
         syscall(SYS_futex, &participant.state, FUTEX_WAKE, 1, nullptr, nullptr, 0);
     }
 
-    // Gives the turn to the one that wakes first and lets time jump there. Somebody must wait.
+    // Gives the turn to the one that wakes first and lets time jump there. At least one participant
+    // must wait.
     void passTurnOn() {
         Participant* next = nullptr;
         for (Participant& candidate : participants) {

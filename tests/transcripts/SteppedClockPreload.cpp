@@ -14,17 +14,14 @@
 
 namespace {
 
-using vantric_test::nanosecondsOf;
-using vantric_test::nanosecondsPerSecond;
-using vantric_test::SteppedClockPage;
-using vantric_test::timespecOf;
+using namespace vantric_test;
 
 constexpr int64_t pauseOfLoops = 100'000'000;
 constexpr int64_t lockRetry = 1'000'000;
 constexpr int64_t startOfWallClock = 1'893'456'000 * nanosecondsPerSecond;  // 2030-01-01, UTC
 constexpr int64_t startOfMonotonicClock = 1'000 * nanosecondsPerSecond;
 
-// Whoever looks at the monotonic clock that often without sleeping waits for a deadline in a loop:
+// A program that reads the monotonic clock that often without sleeping polls a deadline in a loop:
 // time must go on for it.
 constexpr int readingsWithoutSleep = 100;
 
@@ -36,14 +33,14 @@ void sleepUntil(int64_t wakeTime) {
     readings = 0;
     SteppedClockPage::Participant& own = page->participants[self];
     own.wakeTime = wakeTime;
-    own.state = vantric_test::turnWaiting;
-    // The client's every pause is the director's opportunity to look at what it has written.
-    if (self == vantric_test::clockClient) {
-        page->giveTurn(page->participants[vantric_test::clockDirector]);
+    own.state = turnWaiting;
+    // The client's every pause is the director's opportunity to collect what it has written.
+    if (self == clockClient) {
+        page->giveTurn(page->participants[clockDirector]);
     } else {
         page->passTurnOn();
     }
-    while (own.state == vantric_test::turnWaiting) {
+    while (own.state == turnWaiting) {
         SteppedClockPage::awaitTurn(own, nullptr);
     }
 }
@@ -58,8 +55,8 @@ void sleepUntil(int64_t wakeTime) {
 struct Start {
     Start() noexcept {
         // NOLINTBEGIN(concurrency-mt-unsafe): nothing of the program runs yet
-        const char* file = std::getenv(vantric_test::steppedClockFile);
-        const char* participant = std::getenv(vantric_test::steppedClockParticipant);
+        const char* file = std::getenv(steppedClockFile);
+        const char* participant = std::getenv(steppedClockParticipant);
         // NOLINTEND(concurrency-mt-unsafe)
         if (file == nullptr || participant == nullptr) {
             errno = EINVAL;
@@ -76,12 +73,12 @@ struct Start {
         page = static_cast<SteppedClockPage*>(address);
 
         SteppedClockPage::Participant& own = page->participants[self];
-        if (own.state == vantric_test::turnRunning) {
+        if (own.state == turnRunning) {
             return;
         }
         own.wakeTime = page->now;
-        own.state = vantric_test::turnWaiting;
-        while (own.state == vantric_test::turnWaiting) {
+        own.state = turnWaiting;
+        while (own.state == turnWaiting) {
             SteppedClockPage::awaitTurn(own, nullptr);
         }
     }
@@ -134,7 +131,7 @@ int sem_post(sem_t* semaphore) noexcept {
     using Function = int (*)(sem_t*);
     static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "sem_post"));
     const int result = original(semaphore);
-    if (self == vantric_test::clockClient && page->clientUnlockPause != 0) {
+    if (self == clockClient && page->clientUnlockPause != 0) {
         sleepUntil(page->now + page->clientUnlockPause);
     }
     return result;

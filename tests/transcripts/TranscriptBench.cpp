@@ -12,8 +12,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tests/support/ClientLaunch.h"
-#include "tests/support/Launcher.h"
+#include "tests/support/Privileges.h"
 
 namespace vantric_test {
 
@@ -29,17 +28,15 @@ std::string scenarioPath(const std::string& name) {
 }
 
 Command simulator(const std::string& scenario) {
-    Command command;
-    command.program = VANTRICSIM_PATH;
-    command.arguments = {"--scenario", scenarioPath(scenario)};
-    return watched(command);
+    return watched({VANTRICSIM_PATH, {"--scenario", scenarioPath(scenario)}});
 }
 
 const char* outputText(ClientOutput output) {
     static const std::map<ClientOutput, const char*> texts = {
+        {ClientOutput::Terminal, "a terminal, as is standard error"},
         {ClientOutput::Closed, "closed from the start"},
-        {ClientOutput::ReaderGone, "a pipe that nobody reads"},
-        {ClientOutput::ReaderGoneUnsignalled, "a pipe that nobody reads, SIGPIPE ignored"},
+        {ClientOutput::ReaderGone, "a pipe without a reader"},
+        {ClientOutput::ReaderGoneUnsignalled, "a pipe without a reader, SIGPIPE ignored"},
         {ClientOutput::FullDevice, "/dev/full"}};
     return texts.at(output);
 }
@@ -85,7 +82,7 @@ void hideSourceLines(std::vector<std::string>& writes) {
     }
 }
 
-// The lines that a server printed behind "ready", without their date.
+// The lines that a server printed after "ready", without their date.
 std::string linesOf(const ChildProcess& server) {
     constexpr std::size_t dateLength = sizeof("2030-01-01 ") - 1;
     std::istringstream lines(server.output());
@@ -103,6 +100,8 @@ std::string linesOf(const ChildProcess& server) {
 TranscriptBench::TranscriptBench(TranscriptCase row)
     : row_(std::move(row)),
       hindrance_(row_.circumstances.hindrance()),
+      output_(row_.circumstances.output == ClientOutput::Terminal ? RecordedOutput::Kind::Terminal
+                                                                  : RecordedOutput::Kind::Pipe),
       clock_([this] { output_.collect([this] { return clock_.now(); }); }) {}
 
 std::string TranscriptBench::transcript() {
@@ -133,12 +132,12 @@ void TranscriptBench::startServer(const std::string& scenario) {
 }
 
 void TranscriptBench::startClient() {
-    // Aborting is no reason to leave a core behind.
+    // A client that aborts must not leave a core file.
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
 
     Command command;
-    command.program = VANTRICPROBE_PATH;
+    command.program = row_.program;
     command.arguments = row_.arguments;
     command.environment["VRAX_LOG_LEVEL"] = row_.circumstances.logLevel;
     command.commandName = row_.commandName;
@@ -146,17 +145,19 @@ void TranscriptBench::startClient() {
     const ClientOutput output = row_.circumstances.output;
     command.standardOutput = output_.descriptor();
     int lostOutput = -1;
-    if (output == ClientOutput::Closed) {
-        command = launching(Launch::WithoutOutput, command);
+    if (output == ClientOutput::Terminal) {
+        command.standardError = output_.descriptor();
+    } else if (output == ClientOutput::Closed) {
+        command.preparations.push_back([] { return close(STDOUT_FILENO) == 0; });
     } else if (output != ClientOutput::Read) {
         lostOutput = openLostOutput(output);
         command.standardOutput = lostOutput;
     }
     if (output == ClientOutput::ReaderGoneUnsignalled) {
-        command = launching(Launch::IgnoringBrokenPipes, command);
+        command.preparations.push_back([] { return std::signal(SIGPIPE, SIG_IGN) != SIG_ERR; });
     }
     if (hindrance_.needsObedientClient) {
-        command = launching(Launch::ObeyingFileModes, command);
+        command.preparations.push_back(obeyFileModes);
     }
     client_ = std::make_unique<ChildProcess>(clock_.with(command, clockClient));
     output_.closeDescriptor();

@@ -1,4 +1,4 @@
-// Runs vantricprobe against vantricsim on a stepped clock and writes down all that can be seen of
+// Runs a client against vantricsim on a stepped clock and writes down all that can be seen of
 // it.
 #pragma once
 

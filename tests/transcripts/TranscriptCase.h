@@ -1,4 +1,5 @@
-// What a transcript records: one run of vantricprobe, and the circumstances that it meets.
+// What a transcript records: one run of vantricprobe or vantricctl, and the circumstances that it
+// meets.
 #pragma once
 
 #include <chrono>
@@ -11,7 +12,8 @@
 
 namespace vantric_test {
 
-enum class ClientOutput { Read, Closed, ReaderGone, ReaderGoneUnsignalled, FullDevice };
+// A terminal is read, too; it is the client's standard error as well.
+enum class ClientOutput { Read, Terminal, Closed, ReaderGone, ReaderGoneUnsignalled, FullDevice };
 
 struct Circumstances {
     // A file of tests/transcripts/scenarios or sim/scenarios; without one there is no server while
@@ -22,16 +24,17 @@ struct Circumstances {
     // The client is stopped then, by SIGTERM.
     std::chrono::seconds patience = std::chrono::seconds(1000);
     const char* logLevel = "fatal";
-    // The list's order is nobody's promise.
+    // For networks whose order the program does not promise.
     bool networksAreSorted = false;
 };
 
 struct TranscriptCase {
     std::string situation;               // the folder of the transcript
     std::string name;                    // its file, without extension
-    std::vector<std::string> arguments;  // behind argv[0]
+    std::vector<std::string> arguments;  // after argv[0]
     Circumstances circumstances;
     std::string commandName = "vantricprobe";  // argv[0]
+    std::string program = VANTRICPROBE_PATH;
 };
 
 inline std::ostream& operator<<(std::ostream& stream, const TranscriptCase& row) {

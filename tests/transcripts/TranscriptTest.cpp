@@ -14,9 +14,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using vantric_test::TranscriptBench;
-using vantric_test::TranscriptCase;
-using vantric_test::transcriptCases;
+using namespace vantric_test;
 
 fs::path acceptedFolder() {
     return fs::path(SOURCE_FOLDER) / "tests" / "transcripts" / "accepted";
@@ -64,8 +62,7 @@ std::string firstDifference(const std::string& accepted, const std::string& now)
 // The sanitizers' runtime needs descriptors and memory of its own.
 bool canRun(const TranscriptCase& row) {
 #ifdef __SANITIZE_ADDRESS__
-    return row.circumstances.hindrance != vantric_test::noDescriptors &&
-           row.circumstances.hindrance != vantric_test::noMemory;
+    return row.circumstances.hindrance != noDescriptors && row.circumstances.hindrance != noMemory;
 #else
     static_cast<void>(row);
     return true;
@@ -94,7 +91,7 @@ TEST_P(Transcript, isAsAccepted) {
                                std::istreambuf_iterator<char>()};
     EXPECT_TRUE(transcript == accepted)
         << path << " differs, first in " << firstDifference(accepted, transcript)
-        << "scripts/accept-transcripts.sh shows all differences and accepts them.";
+        << "The build target accept_transcripts accepts the difference.";
 }
 
 INSTANTIATE_TEST_SUITE_P(Transcripts, Transcript, testing::ValuesIn(runnableCases()), nameOf);

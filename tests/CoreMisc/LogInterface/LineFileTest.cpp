@@ -17,10 +17,7 @@
 #include "tests/support/Polling.h"
 
 using com_qel::Korvel::LogInterface::LineFile;
-using vantric_test::eventually;
-using vantric_test::readFile;
-using vantric_test::SmallDisk;
-using vantric_test::TemporaryFolder;
+using namespace vantric_test;
 
 namespace {
 
@@ -40,8 +37,7 @@ class PipeReader {
     explicit PipeReader(const std::string& path)
         : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK)) {}
     ~PipeReader() { close(descriptor_); }
-    PipeReader(const PipeReader&) = delete;
-    PipeReader& operator=(const PipeReader&) = delete;
+    PipeReader& operator=(PipeReader&&) = delete;
 
     bool isFull() const {
         int waiting = 0;
@@ -88,8 +84,7 @@ class Interruptions {
         sender_.join();
         sigaction(SIGUSR1, &previous_, nullptr);
     }
-    Interruptions(const Interruptions&) = delete;
-    Interruptions& operator=(const Interruptions&) = delete;
+    Interruptions& operator=(Interruptions&&) = delete;
 
     static int count() { return handled_; }
 
@@ -105,14 +100,7 @@ std::atomic<int> Interruptions::handled_{0};
 
 }  // namespace
 
-TEST(LineFile, isOpenFromTheStart) {
-    const TemporaryFolder folder;
-    const LineFile file(folder / "log");
-    EXPECT_TRUE(file.isOpen());
-    EXPECT_EQ(file.position(), 0);
-}
-
-TEST(LineFile, isCreatedForEverybodyLessTheUmask) {
+TEST(LineFile, isCreatedForAllUsersLessTheUmask) {
     const TemporaryFolder folder;
     const mode_t before = umask(0027);
     const LineFile file(folder / "log");
@@ -129,20 +117,15 @@ TEST(LineFile, isNotInheritedByOtherPrograms) {
     EXPECT_EQ(fcntl(next, F_GETFD), FD_CLOEXEC);
 }
 
-TEST(LineFile, standsBehindItsLastLine) {
+TEST(LineFile, hasItsPositionAfterItsLastLine) {
     const TemporaryFolder folder;
     LineFile file(folder / "log");
+    EXPECT_TRUE(file.isOpen());
+    EXPECT_EQ(file.position(), 0);
     file.write("four");
     EXPECT_EQ(file.position(), 5);
     file.write("");
     EXPECT_EQ(file.position(), 6);
-}
-
-TEST(LineFile, hasNoPositionWhenItCouldNotBeOpened) {
-    const TemporaryFolder folder;
-    const LineFile file(folder / "missing/log");
-    EXPECT_FALSE(file.isOpen());
-    EXPECT_EQ(file.position(), -1);
 }
 
 TEST(LineFile, hasNoPositionInAPipe) {
@@ -156,7 +139,7 @@ TEST(LineFile, hasNoPositionInAPipe) {
     EXPECT_EQ(reader.readUpTo(5), "line\n");
 }
 
-TEST(LineFile, hasNoPositionOnceAWriteFailedButStaysOpen) {
+TEST(LineFile, hasNoPositionAfterAFailedWriteButStaysOpen) {
     const SmallDisk disk(65536);
     LineFile file(disk / "log");
     file.write(std::string(100000, 'x').c_str());
@@ -167,20 +150,11 @@ TEST(LineFile, hasNoPositionOnceAWriteFailedButStaysOpen) {
 TEST(LineFile, forgetsAFailureWhenItIsOpenedAgain) {
     const TemporaryFolder folder;
     LineFile file(folder / "missing/log");
+    EXPECT_FALSE(file.isOpen());
+    EXPECT_EQ(file.position(), -1);
     file.open(folder / "log");
     file.write("line");
     EXPECT_EQ(readFile(folder / "log"), "line\n");
-}
-
-TEST(LineFile, isEmptiedWhenItIsOpenedAgain) {
-    const TemporaryFolder folder;
-    LineFile file(folder / "log");
-    file.write("line");
-    file.close();
-    EXPECT_FALSE(file.isOpen());
-    file.open(folder / "log");
-    EXPECT_EQ(file.position(), 0);
-    EXPECT_EQ(readFile(folder / "log"), "");
 }
 
 // The first interruption of a full pipe's writer ends a call that wrote something, the next ones

@@ -1,4 +1,7 @@
+// What each text of the five variables counts as.
 #include <gtest/gtest.h>
+
+#include <initializer_list>
 
 #include "CoreMisc/LogInterface/LogConfig.h"
 #include "tests/CoreMisc/LogTestSupport.h"
@@ -8,37 +11,43 @@ using vantric_test::LogSettings;
 
 namespace {
 
-// Defaults that are nobody's usual ones and no fallback either.
-constexpr uint32_t defaultLevel = 5;
-constexpr uint32_t defaultType = 4;
-constexpr uint32_t defaultSize = 77;
+// No level, type or usual size, so a default is not mistaken for a value that was read.
+constexpr uint32_t byDefault = 77;
 
 LogConfig configFrom(const LogSettings& settings) {
     const vantric_test::LogEnvironment environment(settings);
-    return {defaultLevel, defaultType, "default/root", "default name", defaultSize};
+    return {byDefault, byDefault, "default/root", "default name", byDefault};
 }
 
-uint32_t levelFrom(const std::string& text) {
+uint32_t levelFrom(const char* text) {
     return configFrom({{"VRAX_LOG_LEVEL", text}}).level;
 }
 
-uint32_t typeFrom(const std::string& text) {
+uint32_t typeFrom(const char* text) {
     return configFrom({{"VRAX_LOG_TYPE", text}}).type;
 }
 
-uint32_t sizeFrom(const std::string& text) {
+uint32_t sizeFrom(const char* text) {
     return configFrom({{"VRAX_LOG_SIZE", text}}).size;
+}
+
+// Every text counts as this value.
+void expect(uint32_t value, uint32_t (*valueFrom)(const char*),
+            std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+        EXPECT_EQ(valueFrom(text), value) << text;
+    }
 }
 
 }  // namespace
 
 TEST(LogConfig, takesTheDefaultsWithoutAnyVariable) {
     const LogConfig config = configFrom({});
-    EXPECT_EQ(config.level, defaultLevel);
-    EXPECT_EQ(config.type, defaultType);
+    EXPECT_EQ(config.level, byDefault);
+    EXPECT_EQ(config.type, byDefault);
     EXPECT_EQ(config.root, "default/root");
     EXPECT_EQ(config.name, "default name");
-    EXPECT_EQ(config.size, defaultSize);
+    EXPECT_EQ(config.size, byDefault);
 }
 
 TEST(LogConfig, takesEachSettingFromItsOwnVariable) {
@@ -54,119 +63,62 @@ TEST(LogConfig, takesEachSettingFromItsOwnVariable) {
     EXPECT_EQ(config.size, 123U);
 }
 
-TEST(LogConfig, knowsTheLevelsByName) {
-    EXPECT_EQ(levelFrom("trace"), 0U);
-    EXPECT_EQ(levelFrom("debug"), 1U);
-    EXPECT_EQ(levelFrom("info"), 2U);
-    EXPECT_EQ(levelFrom("warning"), 3U);
-    EXPECT_EQ(levelFrom("error"), 4U);
-    const vantric_test::LogEnvironment environment(LogSettings{{"VRAX_LOG_LEVEL", "fatal"}});
-    EXPECT_EQ(LogConfig(0, 0, "", "", 0).level, 5U);
-}
-
-TEST(LogConfig, takesALevelAsANumber) {
-    EXPECT_EQ(levelFrom("0"), 0U);
-    EXPECT_EQ(levelFrom("1"), 1U);
-    EXPECT_EQ(levelFrom("2"), 2U);
-    EXPECT_EQ(levelFrom("3"), 3U);
-    EXPECT_EQ(levelFrom("4"), 4U);
-    const vantric_test::LogEnvironment environment(LogSettings{{"VRAX_LOG_LEVEL", "5"}});
-    EXPECT_EQ(LogConfig(0, 0, "", "", 0).level, 5U);
-}
-
-TEST(LogConfig, readsALevelWithLeadingBlanksAndSignAndTrailingText) {
-    EXPECT_EQ(levelFrom(" 3x"), 3U);
-    EXPECT_EQ(levelFrom("\t+4"), 4U);
-    EXPECT_EQ(levelFrom("-0"), 0U);
-    EXPECT_EQ(levelFrom("010"), defaultLevel);
-    EXPECT_EQ(levelFrom("0x3"), 0U);
-    EXPECT_EQ(levelFrom("2.9"), 2U);
+TEST(LogConfig, takesALevelByNameOrByNumberWithAnythingAfterIt) {
+    expect(0, levelFrom, {"trace", "0", "-0"});
+    expect(1, levelFrom, {"debug", "1"});
+    expect(2, levelFrom, {"info", "2", "2.9"});
+    expect(3, levelFrom, {"warning", "3", "3x"});
+    expect(4, levelFrom,
+           {"error", "4", "+4", "\t\n\v\f\r 4", "4 ", "4trace", "00000000000000000004"});
+    expect(5, levelFrom, {"fatal", "5"});
 }
 
 TEST(LogConfig, keepsTheDefaultForALevelOutOfRange) {
-    EXPECT_EQ(levelFrom("6"), defaultLevel);
-    EXPECT_EQ(levelFrom("7"), defaultLevel);
-    EXPECT_EQ(levelFrom("-1"), defaultLevel);
-}
-
-TEST(LogConfig, keepsTheDefaultForALevelBeyondThirtyTwoBits) {
-    EXPECT_EQ(levelFrom("4294967299"), defaultLevel);
-    EXPECT_EQ(levelFrom("-4294967293"), defaultLevel);
-    EXPECT_EQ(levelFrom("18446744073709551617"), defaultLevel);
-    EXPECT_EQ(levelFrom("-18446744073709551617"), defaultLevel);
+    expect(byDefault, levelFrom,
+           {"6", "010", "-1", "256", "4294967299", "-4294967293", "9223372036854775808",
+            "18446744073709551617", "-18446744073709551617"});
 }
 
 TEST(LogConfig, takesALevelThatIsNoNumberForTrace) {
-    EXPECT_EQ(levelFrom(""), 0U);
-    EXPECT_EQ(levelFrom("TRACE"), 0U);
-    EXPECT_EQ(levelFrom("Error"), 0U);
-    EXPECT_EQ(levelFrom("error "), 0U);
-    EXPECT_EQ(levelFrom(" error"), 0U);
-    EXPECT_EQ(levelFrom("errors"), 0U);
-    EXPECT_EQ(levelFrom("warn"), 0U);
+    expect(0, levelFrom,
+           {"", " ", "TRACE", "Error", " error", "error ", "error\n", "warn", "error4", "+ 4",
+            "--4", "+-4", "0x4", "'4'", "\xEF\xBC\x94"});
 }
 
-TEST(LogConfig, knowsTheTypesByName) {
-    EXPECT_EQ(typeFrom("text_file"), 0U);
-    EXPECT_EQ(typeFrom("rolling_text_file"), 1U);
-    EXPECT_EQ(typeFrom("console"), 2U);
-    EXPECT_EQ(typeFrom("inmemory"), 3U);
-    const vantric_test::LogEnvironment environment(LogSettings{{"VRAX_LOG_TYPE", "syslog"}});
-    EXPECT_EQ(LogConfig(0, 0, "", "", 0).type, 4U);
+TEST(LogConfig, takesATypeByNameOrByNumberWithAnythingAfterIt) {
+    expect(0, typeFrom, {"text_file", "0"});
+    expect(1, typeFrom, {"rolling_text_file", "1"});
+    expect(2, typeFrom, {"console", "2"});
+    expect(3, typeFrom, {"inmemory", " +3 ", "3console"});
+    expect(4, typeFrom, {"syslog", "4"});
 }
 
-TEST(LogConfig, takesATypeAsANumber) {
-    EXPECT_EQ(typeFrom("0"), 0U);
-    EXPECT_EQ(typeFrom("1"), 1U);
-    EXPECT_EQ(typeFrom("2"), 2U);
-    EXPECT_EQ(typeFrom(" +3 "), 3U);
-    const vantric_test::LogEnvironment environment(LogSettings{{"VRAX_LOG_TYPE", "4"}});
-    EXPECT_EQ(LogConfig(0, 0, "", "", 0).type, 4U);
+TEST(LogConfig, takesAnyOtherTypeForTheDefaultOrATextFile) {
+    expect(byDefault, typeFrom, {"5", "9", "-1", "4294967296"});
+    expect(0, typeFrom, {"", "CONSOLE", " console", "console ", "rolling", "in_memory", "0x4"});
 }
 
-TEST(LogConfig, keepsTheDefaultForATypeOutOfRange) {
-    EXPECT_EQ(typeFrom("5"), defaultType);
-    EXPECT_EQ(typeFrom("9"), defaultType);
-    EXPECT_EQ(typeFrom("-1"), defaultType);
-    EXPECT_EQ(typeFrom("4294967296"), defaultType);
-}
-
-TEST(LogConfig, takesATypeThatIsNoNumberForATextFile) {
-    EXPECT_EQ(typeFrom(""), 0U);
-    EXPECT_EQ(typeFrom("CONSOLE"), 0U);
-    EXPECT_EQ(typeFrom("console "), 0U);
-}
-
-TEST(LogConfig, takesRootAndNameAsTheyStand) {
-    const LogConfig config =
-        configFrom({{"VRAX_LOG_ROOT", " /a//b/../ "}, {"VRAX_LOG_NAME", "x/y\n.log"}});
-    EXPECT_EQ(config.root, " /a//b/../ ");
-    EXPECT_EQ(config.name, "x/y\n.log");
-}
-
-TEST(LogConfig, takesAnEmptyRootAndNameForSet) {
-    const LogConfig config = configFrom({{"VRAX_LOG_ROOT", ""}, {"VRAX_LOG_NAME", ""}});
-    EXPECT_EQ(config.root, "");
-    EXPECT_EQ(config.name, "");
-}
-
-TEST(LogConfig, takesASizeAsANumber) {
-    EXPECT_EQ(sizeFrom("0"), 0U);
-    EXPECT_EQ(sizeFrom("5000"), 5000U);
-    EXPECT_EQ(sizeFrom(" +12x"), 12U);
-    EXPECT_EQ(sizeFrom("4294967295"), 4294967295U);
-}
-
-TEST(LogConfig, takesASizeThatIsNoNumberForZero) {
-    EXPECT_EQ(sizeFrom("abc"), 0U);
-    EXPECT_EQ(sizeFrom(""), 0U);
-}
-
-TEST(LogConfig, truncatesASizeToThirtyTwoBits) {
+TEST(LogConfig, takesASizeAsANumberOf32Bits) {
     // Where long has 32 bits, the conversion itself stops at the greatest number.
     constexpr bool longHas64Bits = sizeof(long) == 8;
-    EXPECT_EQ(sizeFrom("5000000000"), longHas64Bits ? 705032704U : 4294967295U);
-    EXPECT_EQ(sizeFrom("-1"), 4294967295U);
-    EXPECT_EQ(sizeFrom("-2"), 4294967294U);
-    EXPECT_EQ(sizeFrom("99999999999999999999999"), 4294967295U);
+    constexpr uint32_t greatest = 4294967295U;
+    expect(5000, sizeFrom, {"5000"});
+    expect(12, sizeFrom, {"\t\n\v\f\r +12", "012", "12x", "12.9", "12,000"});
+    expect(2147483648U, sizeFrom, {"2147483648"});
+    expect(greatest, sizeFrom,
+           {"4294967295", "-1", "99999999999999999999", "-99999999999999999999"});
+    expect(greatest - 1, sizeFrom, {"-2"});
+    expect(longHas64Bits ? 0 : greatest, sizeFrom, {"4294967296"});
+    expect(longHas64Bits ? 705032704U : greatest, sizeFrom, {"5000000000"});
+    expect(0, sizeFrom, {"0", "", " ", "abc", "x5000", "+ 5000", "--1", "0x5000"});
+}
+
+TEST(LogConfig, takesRootAndNameAsTheyStandEvenEmpty) {
+    const LogConfig config =
+        configFrom({{"VRAX_LOG_ROOT", " /a//b/../ "}, {"VRAX_LOG_NAME", "x/y\n\xFF$PWD"}});
+    EXPECT_EQ(config.root, " /a//b/../ ");
+    EXPECT_EQ(config.name, "x/y\n\xFF$PWD");
+    const LogConfig empty = configFrom({{"VRAX_LOG_ROOT", ""}, {"VRAX_LOG_NAME", ""}});
+    EXPECT_EQ(empty.root, "");
+    EXPECT_EQ(empty.name, "");
 }

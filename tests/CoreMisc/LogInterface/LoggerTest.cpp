@@ -1,46 +1,19 @@
-// The logger itself: names, lines and dispatch. How it is configured is tested next door.
+// The logger itself: names, lines and dispatch. How it is configured has files of its own.
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <optional>
+#include <ctime>
+#include <string>
 
 #include "CoreMisc/LogInterface/Logger.h"
 #include "tests/CoreMisc/LocalTime.h"
 #include "tests/CoreMisc/LogTestSupport.h"
-#include "tests/support/Polling.h"
+#include "tests/support/WallClockAt.h"
 
-using com_qel::Korvel::LogInterface::FormatLine;
-using com_qel::Korvel::LogInterface::LevelName;
-using com_qel::Korvel::LogInterface::Logger;
-using com_qel::Korvel::LogInterface::Severity;
-using com_qel::Korvel::LogInterface::SeverityFatal;
-using vantric_test::localTimeNow;
-using vantric_test::Result;
-using vantric_test::RoleRegistration;
-using vantric_test::runRoleWith;
-using vantric_test::TimeZone;
-using Arguments = std::vector<std::string>;
+using namespace com_qel::Korvel::LogInterface;
+using namespace vantric_test;
 
 namespace {
-
-// Formats within one second of the clock, so that the time in the line is known.
-struct TimedLine {
-    std::string time;
-    std::string line;
-};
-
-TimedLine formatWithinASecond(const char* levelName, const char* text) {
-    std::optional<TimedLine> result;
-    vantric_test::eventually([&] {
-        const std::string before = localTimeNow();
-        const std::string line = FormatLine(levelName, text);
-        if (localTimeNow() == before) {
-            result = {before, line};
-        }
-        return result.has_value();
-    });
-    return result.value();
-}
 
 const RoleRegistration dispatchesUnconfigured("dispatchesUnconfigured", [](const Arguments&) {
     Logger& logger = Logger::Instance();
@@ -67,65 +40,70 @@ const RoleRegistration dispatchesToTwo("dispatchesToTwo", [](const Arguments& ar
     return 0;
 });
 
+constexpr int64_t noonInJune = 1781956800;
+
+std::string expectedLine() {
+    return "[" + localTimeNow() + "] <error>: text";
+}
+
 }  // namespace
 
 TEST(Logger, namesTheSeverities) {
-    EXPECT_STREQ(LevelName(static_cast<Severity>(0)), "trace");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(1)), "debug");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(2)), "info");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(3)), "warning");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(4)), "error");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(5)), "fatal");
-}
-
-TEST(Logger, namesAnyOtherSeverityUnknown) {
-    EXPECT_STREQ(LevelName(static_cast<Severity>(6)), "unknown");
-    EXPECT_STREQ(LevelName(static_cast<Severity>(9)), "unknown");
+    const char* names[] = {"trace", "debug", "info", "warning", "error", "fatal", "unknown"};
+    for (uint32_t severity = 0; severity < 7; ++severity) {
+        EXPECT_STREQ(LevelName(static_cast<Severity>(severity)), names[severity]);
+    }
     EXPECT_STREQ(LevelName(static_cast<Severity>(0xFFFFFFFF)), "unknown");
 }
 
-TEST(Logger, formatsALineBehindTheLocalTimeAndItsNewline) {
-    const TimedLine result = formatWithinASecond("error", "text");
-    EXPECT_EQ(result.line, "[" + result.time + "] <error>: text");
+TEST(Logger, formatsALineAfterTheLocalTimeAndItsNewline) {
+    const WallClockAt clock(noonInJune);
+    const std::string longText(100000, 'x');
+    for (const std::string& text :
+         {std::string("a text"), longText, std::string(), std::string("text\n")}) {
+        EXPECT_EQ(FormatLine("info", text.c_str()), "[" + localTimeNow() + "] <info>: " + text);
+    }
 }
 
-TEST(Logger, formatsTheTimeOfTheLocalZone) {
-    const TimeZone zone("FarAway-11:30");
-    const TimedLine result = formatWithinASecond("info", "text");
-    EXPECT_EQ(result.line, "[" + result.time + "] <info>: text");
+TEST(Logger, stampsLinesByAClockThatGoesForwardsOrBackwards) {
+    // The first line of a process may come in the first second of the epoch.
+    for (const int64_t second : {int64_t{0}, noonInJune, noonInJune, noonInJune + 1,
+                                 noonInJune + 86400, noonInJune - 3600, int64_t{-1}}) {
+        const WallClockAt clock(second);
+        EXPECT_EQ(FormatLine("error", "text"), expectedLine());
+    }
 }
 
-TEST(Logger, formatsALineAsLongAsItsText) {
-    const std::string text(100000, 'x');
-    const TimedLine result = formatWithinASecond("warning", text.c_str());
-    EXPECT_EQ(result.line, "[" + result.time + "] <warning>: " + text);
+TEST(Logger, stampsLinesInANewTimeZoneWithinTheSameSecond) {
+    const WallClockAt clock(noonInJune);
+    for (const char* zone :
+         {"EAST-5", "WEST5", static_cast<const char*>(nullptr), "EAST-5:30", ""}) {
+        const TimeZone changed(zone);
+        EXPECT_EQ(FormatLine("error", "text"), expectedLine());
+    }
 }
 
-TEST(Logger, formatsALineWithoutRestsOfTheOneBefore) {
-    FormatLine("warning", "a text that is long");
-    const TimedLine result = formatWithinASecond("info", "");
-    EXPECT_EQ(result.line, "[" + result.time + "] <info>: ");
-}
-
-TEST(Logger, addsNoNewlineToAText) {
-    const TimedLine result = formatWithinASecond("info", "text\n");
-    EXPECT_EQ(result.line, "[" + result.time + "] <info>: text\n");
-}
-
-TEST(Logger, isTheSameForEverybody) {
-    EXPECT_EQ(&Logger::Instance(), &Logger::Instance());
+TEST(Logger, leavesOutTheStampOfAYearThatCannotBeShown) {
+    // The first second is too late for localtime(), the second one for asctime(). A clock of 32
+    // bits shows neither.
+    for (const int64_t second : {int64_t{1} << 62, int64_t{67768007758905600}}) {
+        const WallClockAt clock(second);
+        const bool isClockRead = std::time(nullptr) == second;
+        EXPECT_EQ(FormatLine("error", "text"), isClockRead ? "[] <error>: text" : expectedLine());
+        EXPECT_EQ(isClockRead, sizeof(std::time_t) == sizeof(int64_t));
+    }
 }
 
 TEST(Logger, startsWithTheFatalThresholdAndWithoutSinks) {
     const Result result = runRoleWith({{"VRAX_LOG_LEVEL", "trace"}}, "dispatchesUnconfigured");
-    EXPECT_EQ(result.status->code(), 5);
+    EXPECT_EQ(result.status.code(), 5);
     EXPECT_EQ(result.output, "");
 }
 
 TEST(Logger, dispatchesToEverySinkInOrderAndFiltersNothing) {
-    const vantric_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const Result result = runRoleWith({}, "dispatchesToTwo", {folder.path()});
-    EXPECT_EQ(result.status->code(), 0) << result.errors;
+    EXPECT_EQ(result.status.code(), 0) << result.errors;
     EXPECT_EQ(result.output,
               "first trace text\nsecond trace text\nfirst unknown other\nsecond unknown other\n");
 }

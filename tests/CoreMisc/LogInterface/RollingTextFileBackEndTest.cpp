@@ -6,12 +6,7 @@
 #include "tests/CoreMisc/LogTestSupport.h"
 
 using com_qel::Korvel::LogInterface::RollingTextFileBackEnd;
-using vantric_test::namesIn;
-using vantric_test::readFile;
-using vantric_test::SmallDisk;
-using vantric_test::TemporaryFolder;
-using vantric_test::writeFile;
-using Names = std::vector<std::string>;
+using namespace vantric_test;
 
 namespace {
 
@@ -29,80 +24,41 @@ bool isRolled(const TemporaryFolder& folder) {
     return std::filesystem::exists(folder / "log.old");
 }
 
-}  // namespace
-
-TEST(RollingTextFileBackEnd, createsTheFileAtOnce) {
-    const TemporaryFolder folder;
-    const RollingTextFileBackEnd backEnd(folder / "log", 10);
-    EXPECT_EQ(readFile(folder / "log"), "");
+void write(RollingTextFileBackEnd& backEnd, std::initializer_list<const char*> lines) {
+    for (const char* line : lines) {
+        backEnd.Write(line);
+    }
 }
 
-TEST(RollingTextFileBackEnd, emptiesAnOlderFileAndLeavesTheOldGenerationAlone) {
+// Expects the content of the live file and of the old generation.
+template <class Folder>
+void expectFiles(const Folder& folder, const std::string& live, const std::string& old) {
+    EXPECT_EQ(readFile(folder / "log"), live);
+    EXPECT_EQ(readFile(folder / "log.old"), old);
+}
+
+}  // namespace
+
+TEST(RollingTextFileBackEnd, emptiesAnOlderFileAtOnceAndLeavesTheOldGenerationAlone) {
     const TemporaryFolder folder;
     writeFile(folder / "log", "older\n");
     writeFile(folder / "log.old", "oldest\n");
     RollingTextFileBackEnd backEnd(folder / "log", 10);
+    EXPECT_EQ(readFile(folder / "log"), "");
     backEnd.Write("line");
-    EXPECT_EQ(readFile(folder / "log"), "line\n");
-    EXPECT_EQ(readFile(folder / "log.old"), "oldest\n");
+    expectFiles(folder, "line\n", "oldest\n");
 }
 
-TEST(RollingTextFileBackEnd, endsAndFlushesEachLine) {
-    const TemporaryFolder folder;
-    RollingTextFileBackEnd backEnd(folder / "log", 5000);
-    backEnd.Write("one");
-    EXPECT_EQ(readFile(folder / "log"), "one\n");
-    backEnd.Write("two");
-    EXPECT_EQ(readFile(folder / "log"), "one\ntwo\n");
-}
-
-TEST(RollingTextFileBackEnd, flushesTheLineThatOpensANewFile) {
-    const TemporaryFolder folder;
-    RollingTextFileBackEnd backEnd(folder / "log", 0);
-    backEnd.Write("one");
-    backEnd.Write("two");
-    EXPECT_EQ(readFile(folder / "log"), "two\n");
-}
-
-TEST(RollingTextFileBackEnd, opensANewFileWithTheLineThatFindsTheOldOneTooLong) {
-    const TemporaryFolder folder;
-    const std::string first(30, '1');
-    const std::string second(30, '2');
-    RollingTextFileBackEnd backEnd(folder / "log", 10);
-    backEnd.Write(first.c_str());
-    EXPECT_EQ(readFile(folder / "log"), first + "\n");
-    EXPECT_FALSE(isRolled(folder));
-    backEnd.Write(second.c_str());
-    EXPECT_EQ(readFile(folder / "log"), second + "\n");
-    EXPECT_EQ(readFile(folder / "log.old"), first + "\n");
-}
-
-TEST(RollingTextFileBackEnd, doesNotRollAFileThatIsExactlyAsLongAsTheLimit) {
+TEST(RollingTextFileBackEnd, rollsOnlyAFileThatIsLongerThanTheLimit) {
     const TemporaryFolder folder;
     RollingTextFileBackEnd backEnd(folder / "log", 10);
-    backEnd.Write("9 letters");
-    backEnd.Write("next");
+    write(backEnd, {"9 letters", "next"});
     EXPECT_EQ(readFile(folder / "log"), "9 letters\nnext\n");
     EXPECT_FALSE(isRolled(folder));
-}
-
-TEST(RollingTextFileBackEnd, rollsAFileThatIsOneByteLongerThanTheLimit) {
-    const TemporaryFolder folder;
-    RollingTextFileBackEnd backEnd(folder / "log", 10);
     backEnd.Write("10 letters");
-    backEnd.Write("next");
-    EXPECT_EQ(readFile(folder / "log"), "next\n");
-    EXPECT_EQ(readFile(folder / "log.old"), "10 letters\n");
-}
-
-TEST(RollingTextFileBackEnd, countsFromTheStartOfEachFile) {
-    const TemporaryFolder folder;
-    RollingTextFileBackEnd backEnd(folder / "log", 10);
-    for (const char* line : {"first file", "second", "also second", "third"}) {
-        backEnd.Write(line);
-    }
-    EXPECT_EQ(readFile(folder / "log"), "third\n");
-    EXPECT_EQ(readFile(folder / "log.old"), "second\nalso second\n");
+    expectFiles(folder, "10 letters\n", "9 letters\nnext\n");
+    backEnd.Write("last");
+    expectFiles(folder, "last\n", "10 letters\n");
 }
 
 TEST(RollingTextFileBackEnd, keepsTheLastLineAndTheOneBeforeWithALimitOfZero) {
@@ -110,10 +66,8 @@ TEST(RollingTextFileBackEnd, keepsTheLastLineAndTheOneBeforeWithALimitOfZero) {
     RollingTextFileBackEnd backEnd(folder / "log", 0);
     backEnd.Write("one");
     EXPECT_FALSE(isRolled(folder));
-    backEnd.Write("two");
-    backEnd.Write("three");
-    EXPECT_EQ(readFile(folder / "log"), "three\n");
-    EXPECT_EQ(readFile(folder / "log.old"), "two\n");
+    write(backEnd, {"two", "three"});
+    expectFiles(folder, "three\n", "two\n");
     EXPECT_EQ(namesIn(folder.path()), (Names{"log", "log.old"}));
 }
 
@@ -124,16 +78,14 @@ TEST(RollingTextFileBackEnd, rollsEvenAnEmptyFileWithANegativeLimit) {
         backEnd.Write("one");
         EXPECT_EQ(readFile(folder / "log.old"), "");
         backEnd.Write("two");
-        EXPECT_EQ(readFile(folder / "log"), "two\n");
-        EXPECT_EQ(readFile(folder / "log.old"), "one\n");
+        expectFiles(folder, "two\n", "one\n");
     }
 }
 
 TEST(RollingTextFileBackEnd, neverRollsWithTheGreatestPositiveLimit) {
     const TemporaryFolder folder;
     RollingTextFileBackEnd backEnd(folder / "log", greatestPositive);
-    backEnd.Write("one");
-    backEnd.Write("two");
+    write(backEnd, {"one", "two"});
     EXPECT_EQ(readFile(folder / "log"), "one\ntwo\n");
     EXPECT_FALSE(isRolled(folder));
 }
@@ -149,7 +101,7 @@ TEST(RollingTextFileBackEnd, losesEveryLineOfAFileThatCannotBeOpened) {
     }
 }
 
-TEST(RollingTextFileBackEnd, losesEveryLineFromARollOnThatCannotReopenTheFile) {
+TEST(RollingTextFileBackEnd, losesEveryLineAfterARollThatCannotReopenTheFile) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "sub");
     RollingTextFileBackEnd backEnd(folder / "sub/log", 0);
@@ -157,17 +109,23 @@ TEST(RollingTextFileBackEnd, losesEveryLineFromARollOnThatCannotReopenTheFile) {
     std::filesystem::remove_all(folder / "sub");
     backEnd.Write("two");
     std::filesystem::create_directory(folder / "sub");
-    backEnd.Write("three");
-    backEnd.Write("four");
+    write(backEnd, {"three", "four"});
     EXPECT_EQ(namesIn(folder / "sub"), Names());
+}
+
+TEST(RollingTextFileBackEnd, replacesAnEmptyFolderInTheWayOfTheOldGeneration) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "log.old");
+    RollingTextFileBackEnd backEnd(folder / "log", 0);
+    write(backEnd, {"one", "two"});
+    EXPECT_EQ(readFile(folder / "log.old"), "one\n");
 }
 
 TEST(RollingTextFileBackEnd, goesOnInAnEmptiedFileWhenTheOldGenerationCannotBeReplaced) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder / "log.old/occupied");
     RollingTextFileBackEnd backEnd(folder / "log", 0);
-    backEnd.Write("one");
-    backEnd.Write("two");
+    write(backEnd, {"one", "two"});
     EXPECT_EQ(readFile(folder / "log"), "two\n");
     EXPECT_EQ(namesIn(folder / "log.old"), Names{"occupied"});
 }
@@ -175,55 +133,41 @@ TEST(RollingTextFileBackEnd, goesOnInAnEmptiedFileWhenTheOldGenerationCannotBeRe
 TEST(RollingTextFileBackEnd, goesOnInANewFileWhenTheLiveOneHasDisappeared) {
     const TemporaryFolder folder;
     RollingTextFileBackEnd backEnd(folder / "log", 0);
-    backEnd.Write("one");
-    backEnd.Write("two");
+    write(backEnd, {"one", "two"});
     std::filesystem::remove(folder / "log");
     backEnd.Write("three");
     EXPECT_EQ(readFile(folder / "log"), "three\n");
     EXPECT_FALSE(isRolled(folder));
 }
 
-TEST(RollingTextFileBackEnd, neverRollsAFailedStreamWithAPositiveLimit) {
+TEST(RollingTextFileBackEnd, losesEveryLineAfterAFullDiskWithoutRolling) {
     const SmallDisk disk(diskSize);
     RollingTextFileBackEnd backEnd(disk / "log", 10);
     backEnd.Write(moreThanTheDisk().c_str());
+    writeFile(disk / "log", "");
     backEnd.Write("later");
+    EXPECT_EQ(readFile(disk / "log"), "");
     EXPECT_EQ(namesIn(disk / ""), Names{"log"});
 }
 
-TEST(RollingTextFileBackEnd, losesEveryLineOnceTheDiskWasFull) {
-    const SmallDisk disk(diskSize);
-    RollingTextFileBackEnd backEnd(disk / "log", greatestPositive);
-    backEnd.Write("before");
-    writeFile(disk / "space", std::string(40000, 's'));
-    backEnd.Write(std::string(40000, 'x').c_str());
-    std::filesystem::remove(disk / "space");
-    backEnd.Write("after");
-    const std::string content = readFile(disk / "log");
-    EXPECT_EQ(content.substr(0, 7), "before\n");
-    EXPECT_EQ(content.find("after"), std::string::npos);
-}
-
-TEST(RollingTextFileBackEnd, neverRollsAFailedStreamWithALimitOfMinusOne) {
+// A failed file's position of -1 outgrows a limit below -1 only.
+TEST(RollingTextFileBackEnd, neverRollsAFailedFileWithALimitOfMinusOne) {
     const SmallDisk disk(diskSize);
     RollingTextFileBackEnd backEnd(disk / "log", minusOne);
     backEnd.Write(moreThanTheDisk().c_str());
     const std::string whatFitted = readFile(disk / "log");
     backEnd.Write("later");
-    EXPECT_EQ(readFile(disk / "log"), whatFitted);
-    EXPECT_EQ(readFile(disk / "log.old"), "");
+    expectFiles(disk, whatFitted, "");
 }
 
-TEST(RollingTextFileBackEnd, rollsAFailedStreamWithALesserLimitAndRecovers) {
+TEST(RollingTextFileBackEnd, rollsAFailedFileWithALesserLimitAndRecovers) {
     const SmallDisk disk(diskSize);
     RollingTextFileBackEnd backEnd(disk / "log", minusTwo);
     backEnd.Write(moreThanTheDisk().c_str());
     const std::string whatFitted = readFile(disk / "log");
     ASSERT_FALSE(whatFitted.empty());
     backEnd.Write("lost: the old generation still fills the disk");
-    EXPECT_EQ(readFile(disk / "log"), "");
-    EXPECT_EQ(readFile(disk / "log.old"), whatFitted);
+    expectFiles(disk, "", whatFitted);
     backEnd.Write("written");
-    EXPECT_EQ(readFile(disk / "log"), "written\n");
-    EXPECT_EQ(readFile(disk / "log.old"), "");
+    expectFiles(disk, "written\n", "");
 }

@@ -4,8 +4,7 @@
 #include "CoreMisc/LogInterface/SyslogSink.h"
 #include "tests/CoreMisc/SystemLogRecorder.h"
 
-using com_qel::Korvel::LogInterface::Severity;
-using com_qel::Korvel::LogInterface::SyslogSink;
+using namespace com_qel::Korvel::LogInterface;
 using vantric_test::systemLog;
 
 namespace {
@@ -18,39 +17,21 @@ vantric_test::SystemLogEntry entryFor(uint32_t severity, const char* text) {
     return systemLog().entries.at(0);
 }
 
-int priorityOf(uint32_t severity) {
-    return entryFor(severity, "text").priority;
-}
-
 }  // namespace
 
-TEST(SyslogSink, mapsEverySeverityToAPriority) {
-    EXPECT_EQ(priorityOf(0), LOG_DEBUG);
-    EXPECT_EQ(priorityOf(1), LOG_DEBUG);
-    EXPECT_EQ(priorityOf(2), LOG_INFO);
-    EXPECT_EQ(priorityOf(3), LOG_WARNING);
-    EXPECT_EQ(priorityOf(4), LOG_ERR);
-    EXPECT_EQ(priorityOf(5), LOG_CRIT);
+TEST(SyslogSink, mapsEverySeverityToAPriorityAndAnyOtherToInformation) {
+    const int priorities[] = {LOG_DEBUG, LOG_DEBUG, LOG_INFO, LOG_WARNING,
+                              LOG_ERR,   LOG_CRIT,  LOG_INFO, LOG_INFO};
+    for (uint32_t severity = 0; severity < 8; ++severity) {
+        EXPECT_EQ(entryFor(severity, "text").priority, priorities[severity]);
+    }
+    EXPECT_EQ(entryFor(0xFFFFFFFF, "text").priority, LOG_INFO);
 }
 
-TEST(SyslogSink, sendsAnyOtherSeverityAsInformation) {
-    EXPECT_EQ(priorityOf(6), LOG_INFO);
-    EXPECT_EQ(priorityOf(9), LOG_INFO);
-    EXPECT_EQ(priorityOf(0xFFFFFFFF), LOG_INFO);
-}
-
-TEST(SyslogSink, addsNothingToTheText) {
-    EXPECT_EQ(entryFor(4, "  ERROR|text").text, "  ERROR|text");
-}
-
-TEST(SyslogSink, neverInterpretsPercentSigns) {
-    const vantric_test::SystemLogEntry entry = entryFor(4, "100%s %n %5000d %%");
-    EXPECT_EQ(entry.format, "%s");
-    EXPECT_EQ(entry.text, "100%s %n %5000d %%");
-}
-
-TEST(SyslogSink, opensNothingItself) {
+TEST(SyslogSink, sendsTheTextAsItIsAndOpensNothing) {
     systemLog().openings.clear();
-    entryFor(4, "text");
+    const vantric_test::SystemLogEntry entry = entryFor(4, "  ERROR|100%s %n %5000d %%");
+    EXPECT_EQ(entry.format, "%s");
+    EXPECT_EQ(entry.text, "  ERROR|100%s %n %5000d %%");
     EXPECT_TRUE(systemLog().openings.empty());
 }

@@ -6,18 +6,7 @@
 #include "tests/CoreMisc/LogTestSupport.h"
 
 using com_qel::Korvel::LogInterface::TextFileBackEnd;
-using vantric_test::namesIn;
-using vantric_test::readFile;
-using vantric_test::SmallDisk;
-using vantric_test::TemporaryFolder;
-using vantric_test::writeFile;
-using Names = std::vector<std::string>;
-
-TEST(TextFileBackEnd, createsTheFileAtOnce) {
-    const TemporaryFolder folder;
-    const TextFileBackEnd backEnd(folder / "log");
-    EXPECT_EQ(readFile(folder / "log"), "");
-}
+using namespace vantric_test;
 
 TEST(TextFileBackEnd, emptiesAnOlderFileAtOnce) {
     const TemporaryFolder folder;
@@ -26,31 +15,26 @@ TEST(TextFileBackEnd, emptiesAnOlderFileAtOnce) {
     EXPECT_EQ(readFile(folder / "log"), "");
 }
 
-TEST(TextFileBackEnd, endsAndFlushesEachLine) {
+TEST(TextFileBackEnd, endsAndFlushesEachLineOfAnyLength) {
+    const TemporaryFolder folder;
+    TextFileBackEnd backEnd(folder / "log");
+    std::string expected;
+    for (const std::string& line :
+         {std::string(), std::string("two\nlines"), std::string(100000, 'x')}) {
+        backEnd.Write(line.c_str());
+        expected += line + "\n";
+        EXPECT_EQ(readFile(folder / "log"), expected);
+    }
+}
+
+TEST(TextFileBackEnd, staysWithItsFileWhenThatIsRenamed) {
     const TemporaryFolder folder;
     TextFileBackEnd backEnd(folder / "log");
     backEnd.Write("one");
-    EXPECT_EQ(readFile(folder / "log"), "one\n");
-    backEnd.Write("");
-    EXPECT_EQ(readFile(folder / "log"), "one\n\n");
-    backEnd.Write("two\nlines");
-    EXPECT_EQ(readFile(folder / "log"), "one\n\ntwo\nlines\n");
-}
-
-TEST(TextFileBackEnd, writesALineOfAnyLength) {
-    const TemporaryFolder folder;
-    const std::string line(100000, 'x');
-    TextFileBackEnd backEnd(folder / "log");
-    backEnd.Write(line.c_str());
-    EXPECT_EQ(readFile(folder / "log"), line + "\n");
-}
-
-TEST(TextFileBackEnd, writesThroughItsInterface) {
-    const TemporaryFolder folder;
-    TextFileBackEnd backEnd(folder / "log");
-    com_qel::Korvel::LogInterface::IBackEnd& asInterface = backEnd;
-    asInterface.Write("line");
-    EXPECT_EQ(readFile(folder / "log"), "line\n");
+    std::filesystem::rename(folder / "log", folder / "moved");
+    backEnd.Write("two");
+    EXPECT_EQ(readFile(folder / "moved"), "one\ntwo\n");
+    EXPECT_EQ(namesIn(folder.path()), Names{"moved"});
 }
 
 TEST(TextFileBackEnd, losesEveryLineOfAFileThatCannotBeOpened) {

@@ -11,9 +11,8 @@
 #include "tests/CoreMisc/LogTestSupport.h"
 
 using com_qel::VyLog;
-using vantric_test::RecordCapture;
+using namespace vantric_test;
 namespace LogInterface = com_qel::Korvel::LogInterface;
-using Records = std::vector<std::string>;
 
 namespace {
 
@@ -22,7 +21,6 @@ static_assert(std::is_nothrow_destructible_v<VyLog>);
 static_assert(std::is_same_v<decltype(std::declval<VyLog&>().stream()), std::ostream&>);
 
 constexpr auto levelBeyondTheEnumeration = static_cast<VyLog::Level>(4);
-constexpr auto greatestLevel = static_cast<VyLog::Level>(0xFFFFFFFF);
 
 std::string padded(std::size_t width, const std::string& text) {
     return std::string(width - text.size(), ' ') + text;
@@ -72,52 +70,29 @@ TEST(VyLog, namesEachLevelInAFieldOfSeven) {
                        "trace:   TRACE|t", "trace: UNKNOWN|u"}));
 }
 
-TEST(VyLog, takesTheGreatestLevelForAnUnknownTrace) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    VyLog(greatestLevel, "f", 1, 0).stream() << "u";
-    EXPECT_EQ(capture.records(), Records{"trace: UNKNOWN|u"});
-}
-
-TEST(VyLog, showsAPathWithoutASlashWhole) {
-    EXPECT_EQ(headerOf("Source", 1), "error:   ERROR|" + padded(35, "Source") + "|    1|");
-}
-
-TEST(VyLog, showsOnlyWhatFollowsTheLastSlash) {
-    EXPECT_EQ(headerOf("/a/b//c/Source.cpp", 1),
-              "error:   ERROR|" + padded(35, "Source.cpp") + "|    1|");
-}
-
-TEST(VyLog, showsBlanksForAPathThatEndsInASlash) {
-    EXPECT_EQ(headerOf("folder/", 1), "error:   ERROR|" + std::string(35, ' ') + "|    1|");
-}
-
-TEST(VyLog, showsBlanksForAnEmptyPath) {
-    EXPECT_EQ(headerOf("", 1), "error:   ERROR|" + std::string(35, ' ') + "|    1|");
-}
-
-TEST(VyLog, showsUnknownWithoutAFieldForANullFile) {
+TEST(VyLog, showsTheBaseNameInAFieldOf35AndTheLineInAFieldOf5) {
+    const std::string nameOfTheField(35, 'n');
+    const std::string longName(300, 'n');
+    const std::string blanks(35, ' ');
+    const struct {
+        std::string path;
+        int line;
+        std::string fields;
+    } rows[] = {
+        {"Source", 1, padded(35, "Source") + "|    1|"},
+        {"/a/b//c/Source.cpp", 1, padded(35, "Source.cpp") + "|    1|"},
+        {"folder/", 1, blanks + "|    1|"},
+        {"", 1, blanks + "|    1|"},
+        {"folder/" + nameOfTheField, 1, nameOfTheField + "|    1|"},
+        {"folder/" + longName, 1, longName + "|    1|"},
+        {"f", 12345, padded(35, "f") + "|12345|"},
+        {"f", std::numeric_limits<int>::max(), padded(35, "f") + "|2147483647|"},
+        {"f", -1, padded(35, "f") + "|   -1|"},
+    };
+    for (const auto& [path, line, fields] : rows) {
+        EXPECT_EQ(headerOf(path.c_str(), line), "error:   ERROR|" + fields);
+    }
     EXPECT_EQ(headerOf(nullptr, 1), "error:   ERROR|UNKNOWN|    1|");
-}
-
-TEST(VyLog, showsABaseNameThatFillsItsFieldWithoutBlanks) {
-    const std::string name(35, 'n');
-    EXPECT_EQ(headerOf(("folder/" + name).c_str(), 1), "error:   ERROR|" + name + "|    1|");
-}
-
-TEST(VyLog, showsALongBaseNameWhole) {
-    const std::string name(300, 'n');
-    EXPECT_EQ(headerOf(("folder/" + name).c_str(), 1), "error:   ERROR|" + name + "|    1|");
-}
-
-TEST(VyLog, showsALongLineNumberWhole) {
-    EXPECT_EQ(headerOf("f", 12345), "error:   ERROR|" + padded(35, "f") + "|12345|");
-    EXPECT_EQ(headerOf("f", std::numeric_limits<int>::max()),
-              "error:   ERROR|" + padded(35, "f") + "|2147483647|");
-}
-
-TEST(VyLog, showsANegativeLineNumber) {
-    EXPECT_EQ(headerOf("f", -1), "error:   ERROR|" + padded(35, "f") + "|   -1|");
 }
 
 TEST(VyLog, omitsFileAndLineWhenTheyAreSwitchedOff) {
@@ -126,51 +101,29 @@ TEST(VyLog, omitsFileAndLineWhenTheyAreSwitchedOff) {
     VyLog(VyLog::Error, "folder/Source", 250, 0).stream() << "text";
     VyLog::SetShowFileLine(true);
     VyLog(VyLog::Error, "folder/Source", 250, 0).stream() << "text";
-    EXPECT_EQ(capture.records(),
-              (Records{"error:   ERROR|text", vantric_test::errorRecord("text")}));
+    EXPECT_EQ(capture.records(), (Records{"error:   ERROR|text", errorRecord("text")}));
 }
 
-TEST(VyLog, showsATraceCategoryAsSixteenHexadecimalDigits) {
+TEST(VyLog, showsATraceCategoryAsSixteenLowerCaseDigitsAtAnyLevel) {
     const RecordCapture capture;
     VyLog(VyLog::Trace, "f", 1, 2).stream() << "text";
-    EXPECT_EQ(capture.records(), Records{"trace:   TRACE|" + padded(35, "f") +
-                                         "|    1|TRACE:0x0000000000000002|text"});
+    VyLog::SetShowFileLine(false);
+    VyLog(VyLog::Error, "f", 1, 0xFEDCBA9876543210).stream() << "text";
+    EXPECT_EQ(capture.records(),
+              (Records{"trace:   TRACE|" + padded(35, "f") + "|    1|TRACE:0x0000000000000002|text",
+                       "error:   ERROR|TRACE:0xfedcba9876543210|text"}));
 }
 
-TEST(VyLog, showsAFullTraceCategoryInLowerCase) {
+TEST(VyLog, leavesTheStreamDecimalAndLeftAdjustedOnlyAfterATraceCategory) {
     const RecordCapture capture;
     VyLog::SetShowFileLine(false);
-    VyLog(VyLog::Trace, "f", 1, 0xFEDCBA9876543210).stream() << "text";
-    EXPECT_EQ(capture.records(), Records{"trace:   TRACE|TRACE:0xfedcba9876543210|text"});
-}
-
-TEST(VyLog, showsTheTraceCategoryOfARecordOfAnyLevel) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    VyLog(VyLog::Error, "f", 1, 1).stream() << "text";
-    EXPECT_EQ(capture.records(), Records{"error:   ERROR|TRACE:0x0000000000000001|text"});
-}
-
-TEST(VyLog, leavesTheStreamDecimalLeftAdjustedAndBlankFilledBehindATraceCategory) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    {
-        VyLog record(VyLog::Trace, "f", 1, 2);
+    for (const uint64_t category : {uint64_t{0}, uint64_t{2}}) {
+        VyLog record(VyLog::Info, "f", 1, category);
         record.stream().width(5);
         record.stream() << 255 << '|' << 10;
     }
-    EXPECT_EQ(capture.records(), Records{"trace:   TRACE|TRACE:0x0000000000000002|255  |10"});
-}
-
-TEST(VyLog, leavesTheStreamRightAdjustedWithoutATraceCategory) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    {
-        VyLog record(VyLog::Info, "f", 1, 0);
-        record.stream().width(5);
-        record.stream() << 255 << '|' << 10;
-    }
-    EXPECT_EQ(capture.records(), Records{"info:    INFO|  255|10"});
+    EXPECT_EQ(capture.records(), (Records{"info:    INFO|  255|10",
+                                          "info:    INFO|TRACE:0x0000000000000002|255  |10"}));
 }
 
 TEST(VyLog, writesNothingBeforeTheRecordEnds) {
@@ -204,34 +157,12 @@ TEST(VyLog, writesARecordThatEndsThroughAPointerToIt) {
     EXPECT_EQ(capture.records(), Records{"info:    INFO|derived"});
 }
 
-TEST(VyLog, addsNothingToAMessageThatEndsALine) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    VyLog(VyLog::Warning, "f", 1, 0).stream() << "text\n";
-    EXPECT_EQ(capture.records(), Records{"warning: WARNING|text\n"});
-}
-
-TEST(VyLog, dropsEveryRecordAtTheFatalThreshold) {
+TEST(VyLog, passesRecordsFromTheThresholdOn) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityFatal), "");
-}
-
-TEST(VyLog, passesOnlyErrorsAtTheErrorThreshold) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityError), "e");
-}
-
-TEST(VyLog, passesErrorsAndWarningsAtTheWarningThreshold) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityWarning), "ew");
-}
-
-TEST(VyLog, passesAllButTracesAtTheInfoThreshold) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityInfo), "ewi");
-}
-
-TEST(VyLog, passesAllButTracesAtTheDebugThreshold) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityDebug), "ewi");
-}
-
-TEST(VyLog, passesEveryRecordAtTheTraceThreshold) {
     EXPECT_EQ(messagesThatPass(LogInterface::SeverityTrace), "ewitu");
 }
 
@@ -242,83 +173,58 @@ TEST(VyLog, judgesTheThresholdWhenTheRecordEnds) {
     EXPECT_EQ(capture.records().size(), 1U);
 }
 
-TEST(VyLog, wrapsRecordsInColoursExceptInfoOnes) {
+TEST(VyLog, wrapsRecordsInColoursExceptInfoOnesUntilTheyAreSwitchedOff) {
     const RecordCapture capture;
     VyLog::SetShowFileLine(false);
     VyLog::SetColors(true);
     writeOneRecordOfEachLevel();
+    VyLog::SetColors(false);
+    VyLog(VyLog::Error, "f", 1, 0).stream() << "e";
     EXPECT_EQ(capture.records(),
               (Records{"error: \x1b[22;31m  ERROR|e\x1b[01;37m",
                        "warning: \x1b[22;33mWARNING|w\x1b[01;37m", "info:    INFO|i",
                        "trace: \x1b[22;32m  TRACE|t\x1b[01;37m",
-                       "trace: \x1b[22;32mUNKNOWN|u\x1b[01;37m"}));
+                       "trace: \x1b[22;32mUNKNOWN|u\x1b[01;37m", "error:   ERROR|e"}));
 }
 
-TEST(VyLog, dropsTheColoursWhenTheyAreSwitchedOffAgain) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    VyLog::SetColors(true);
-    VyLog::SetColors(false);
-    writeOneRecordOfEachLevel();
-    EXPECT_EQ(capture.records(),
-              (Records{"error:   ERROR|e", "warning: WARNING|w", "info:    INFO|i",
-                       "trace:   TRACE|t", "trace: UNKNOWN|u"}));
-}
-
-TEST(VyLog, startsWithoutTraceCategories) {
+TEST(VyLog, keepsTheWholeTraceMaskWhichIsZeroAtFirst) {
     EXPECT_EQ(VyLog::TraceMask(), 0U);
-}
-
-TEST(VyLog, keepsTheWholeTraceMask) {
     const RecordCapture capture;
-    VyLog::SetTraceMask(0x8000000000000001);
-    EXPECT_EQ(VyLog::TraceMask(), 0x8000000000000001U);
-    VyLog::SetTraceMask(4);
-    EXPECT_EQ(VyLog::TraceMask(), 4U);
-}
-
-namespace {
-
-// Checks a record's stamp against the clock; `form` says how it is to be laid out.
-void expectTimestamp(const std::string& stamp, const char* form, const timeval& before) {
-    timeval after = {};
-    gettimeofday(&after, nullptr);
-    const long seconds = std::stol(stamp);
-    const long microseconds = std::stol(stamp.substr(stamp.find('.') + 1));
-    const timeval written = {seconds, microseconds};
-    EXPECT_FALSE(timercmp(&written, &before, <)) << stamp;
-    EXPECT_FALSE(timercmp(&after, &written, <)) << stamp;
-    char expected[64];
-    std::snprintf(expected, sizeof(expected), form, seconds, microseconds);
-    EXPECT_EQ(stamp, expected);
-}
-
-}  // namespace
-
-TEST(VyLog, appendsTheWallClockWithRightAlignedSecondsToAnOrdinaryRecord) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    timeval before = {};
-    gettimeofday(&before, nullptr);
-    {
-        VyLog record(VyLog::Info, "f", 1, 0);
-        VyLog::AppendTimestamp(record);
+    for (const uint64_t mask : {0x8000000000000001, uint64_t{4}}) {
+        VyLog::SetTraceMask(mask);
+        EXPECT_EQ(VyLog::TraceMask(), mask);
     }
-    const std::string header = "info:    INFO|";
-    ASSERT_EQ(capture.records().at(0).substr(0, header.size()), header);
-    expectTimestamp(capture.records().at(0).substr(header.size()), "%12ld.%-8ld", before);
 }
 
-TEST(VyLog, appendsTheWallClockWithLeftAlignedSecondsToATraceRecord) {
-    const RecordCapture capture;
-    VyLog::SetShowFileLine(false);
-    timeval before = {};
-    gettimeofday(&before, nullptr);
-    {
-        VyLog record(VyLog::Trace, "f", 1, 1);
-        VyLog::AppendTimestamp(record);
+TEST(VyLog, appendsTheWallClockWithSecondsAdjustedAsTheStreamIs) {
+    const struct {
+        uint64_t category;
+        std::string header;
+        const char* form;
+    } rows[] = {
+        {0, "info:    INFO|", "%12ld.%-8ld"},
+        {1, "info:    INFO|TRACE:0x0000000000000001|", "%-12ld.%-8ld"},
+    };
+    for (const auto& [category, header, form] : rows) {
+        const RecordCapture capture;
+        VyLog::SetShowFileLine(false);
+        timeval before = {};
+        gettimeofday(&before, nullptr);
+        {
+            VyLog record(VyLog::Info, "f", 1, category);
+            VyLog::AppendTimestamp(record);
+        }
+        timeval after = {};
+        gettimeofday(&after, nullptr);
+        ASSERT_EQ(capture.records().at(0).substr(0, header.size()), header);
+        const std::string stamp = capture.records().at(0).substr(header.size());
+        const long seconds = std::stol(stamp);
+        const long microseconds = std::stol(stamp.substr(stamp.find('.') + 1));
+        const timeval written = {seconds, microseconds};
+        EXPECT_FALSE(timercmp(&written, &before, <)) << stamp;
+        EXPECT_FALSE(timercmp(&after, &written, <)) << stamp;
+        char expected[64];
+        std::snprintf(expected, sizeof(expected), form, seconds, microseconds);
+        EXPECT_EQ(stamp, expected);
     }
-    const std::string header = "trace:   TRACE|TRACE:0x0000000000000001|";
-    ASSERT_EQ(capture.records().at(0).substr(0, header.size()), header);
-    expectTimestamp(capture.records().at(0).substr(header.size()), "%-12ld.%-8ld", before);
 }

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <new>
-#include <thread>
+#include <optional>
 #include <type_traits>
 
 #include "CoreMisc/src/VyLog.h"
@@ -16,11 +14,7 @@
 
 using com_qel::VyLog;
 using com_qel::utils::Mutex;
-using vantric_test::MutexCall;
-using vantric_test::MutexFault;
-using vantric_test::RecordCapture;
-using vantric_test::Result;
-using Records = std::vector<std::string>;
+using namespace vantric_test;
 
 namespace {
 
@@ -30,13 +24,6 @@ static_assert(std::is_nothrow_destructible_v<Mutex>);
 static_assert(Mutex::ERR_BUSY == 1 && Mutex::ERR_UNKNOWN == 2);
 
 constexpr uint64_t mutexCategory = 2;
-
-// Storage in which a test constructs a mutex by hand, so its address is known beforehand.
-struct MutexStorage {
-    alignas(Mutex) std::array<unsigned char, sizeof(Mutex)> bytes;
-
-    Mutex* construct() { return new (bytes.data()) Mutex; }
-};
 
 // The captured records with the line number, which is not fixed, blanked out.
 Records withoutLineNumbers(const Records& records) {
@@ -64,75 +51,29 @@ std::string error(const std::string& message) {
     return "error:   ERROR|" + fileAndLine() + message;
 }
 
-struct Outcome {
-    int result;
-    Records records;
-};
-
-// One call on a mutex whose POSIX function returns `posixResult`.
-Outcome outcomeOf(MutexCall call, int posixResult, uint64_t traceMask = 0) {
+const RoleRegistration locksWithoutMemory("locksWithoutMemory", [](const Arguments&) {
     Mutex mutex;
-    const RecordCapture capture;
-    VyLog::SetTraceMask(traceMask);
-    int result = 0;
-    {
-        const MutexFault fault(call, posixResult, &mutex, sizeof(mutex));
-        result = call == MutexCall::lock ? mutex.Lock() : mutex.Unlock();
-    }
-    return {result, withoutLineNumbers(capture.records())};
-}
-
-const vantric_test::RoleRegistration locksWithoutMemory(
-    "locksWithoutMemory", [](const std::vector<std::string>&) {
-        Mutex mutex;
-        const MutexFault fault(MutexCall::lock, EINVAL, &mutex, sizeof(mutex));
-        const vantric_test::Allocations noMemory(1);
-        return mutex.Lock();
-    });
+    const MutexFault fault(MutexCall::lock, EINVAL, &mutex, sizeof(mutex));
+    const Allocations noMemory(1);
+    return mutex.Lock();
+});
 
 }  // namespace
 
-TEST(VyMutex, locksAndUnlocks) {
-    Mutex mutex;
-    const MutexFault watch(MutexCall::lock, 0, &mutex, sizeof(mutex));
-    EXPECT_EQ(mutex.Lock(), 0);
-    EXPECT_EQ(mutex.Unlock(), 0);
-    EXPECT_EQ(mutex.Lock(), 0);
-    EXPECT_EQ(mutex.Unlock(), 0);
-    EXPECT_EQ(watch.calls(), 2);
-}
-
-TEST(VyMutex, letsOneThreadInAtATime) {
-    constexpr int rounds = 200000;
-    Mutex mutex;
-    int counter = 0;
-    const auto count = [&] {
-        for (int round = 0; round < rounds; ++round) {
-            mutex.Lock();
-            ++counter;
-            mutex.Unlock();
-        }
-    };
-    std::thread other(count);
-    count();
-    other.join();
-    EXPECT_EQ(counter, 2 * rounds);
-}
-
-TEST(VyMutex, logsNothingWhenAllSucceeds) {
+TEST(VyMutex, locksAndUnlocksAndLogsNothing) {
     const RecordCapture capture;
-    {
-        Mutex mutex;
-        mutex.Lock();
-        mutex.Unlock();
+    Mutex mutex;
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(mutex.Lock(), 0);
+        EXPECT_EQ(mutex.Unlock(), 0);
     }
     EXPECT_EQ(capture.records(), Records());
 }
 
-TEST(VyMutex, tracesEveryOperationUnderItsCategory) {
+TEST(VyMutex, tracesEveryOperationUnderItsCategoryOnly) {
     const RecordCapture capture;
-    VyLog::SetTraceMask(mutexCategory);
-    {
+    for (const uint64_t mask : {~mutexCategory, mutexCategory | 8}) {
+        VyLog::SetTraceMask(mask);
         Mutex mutex;
         mutex.Lock();
         mutex.Unlock();
@@ -142,95 +83,48 @@ TEST(VyMutex, tracesEveryOperationUnderItsCategory) {
                        tracing("Mutex unlock"), tracing("Mutex destroy")}));
 }
 
-TEST(VyMutex, tracesNothingUnderOtherCategories) {
-    const RecordCapture capture;
-    VyLog::SetTraceMask(~mutexCategory);
-    {
+TEST(VyMutex, reportsAFailedLockOrUnlockAfterItsTrace) {
+    const struct {
+        MutexCall call;
+        int posixResult;
+        int result;
+        const char* name;
+        const char* message;
+    } rows[] = {
+        {MutexCall::lock, EBUSY, 1, "lock", "ERR_BUSY"},
+        {MutexCall::lock, EINVAL, 2, "lock", "ERR_UNKNOWN (22)"},
+        {MutexCall::unlock, EPERM, 2, "unlock", "ERR_UNKNOWN (1)"},
+        {MutexCall::unlock, EBUSY, 2, "unlock", "ERR_UNKNOWN (16)"},
+    };
+    for (const auto& [call, posixResult, result, name, message] : rows) {
         Mutex mutex;
-        mutex.Lock();
-        mutex.Unlock();
+        const RecordCapture capture;
+        VyLog::SetTraceMask(mutexCategory);
+        {
+            const MutexFault fault(call, posixResult, &mutex, sizeof(mutex));
+            EXPECT_EQ(call == MutexCall::lock ? mutex.Lock() : mutex.Unlock(), result);
+        }
+        const std::string operation = std::string("Mutex ") + name;
+        EXPECT_EQ(
+            withoutLineNumbers(capture.records()),
+            (Records{tracing(operation), error(operation + " failed, ERROR code: " + message)}));
     }
-    EXPECT_EQ(capture.records(), Records());
-}
-
-TEST(VyMutex, tracesWhenItsCategoryIsOneOfSeveral) {
-    const RecordCapture capture;
-    VyLog::SetTraceMask(~uint64_t{0});
-    { const Mutex mutex; }
-    EXPECT_EQ(withoutLineNumbers(capture.records()),
-              (Records{tracing("Mutex initialization"), tracing("Mutex destroy")}));
-}
-
-TEST(VyMutex, initialisesWithDefaultAttributes) {
-    MutexStorage storage = {};
-    const MutexFault watch(MutexCall::initialise, 0, &storage, sizeof(storage));
-    Mutex* mutex = storage.construct();
-    EXPECT_EQ(watch.calls(), 1);
-    EXPECT_FALSE(watch.hadAttributes());
-    mutex->~Mutex();
-}
-
-TEST(VyMutex, destroysThePosixMutexOnce) {
-    auto mutex = std::make_unique<Mutex>();
-    const MutexFault watch(MutexCall::destroy, 0, mutex.get(), sizeof(Mutex));
-    mutex.reset();
-    EXPECT_EQ(watch.calls(), 1);
-}
-
-TEST(VyMutex, reportsABusyLockWithoutANumber) {
-    const Outcome outcome = outcomeOf(MutexCall::lock, EBUSY);
-    EXPECT_EQ(outcome.result, 1);
-    EXPECT_EQ(outcome.records, Records{error("Mutex lock failed, ERROR code: ERR_BUSY")});
-}
-
-TEST(VyMutex, reportsAnyOtherLockFailureWithItsNumber) {
-    const Outcome outcome = outcomeOf(MutexCall::lock, EINVAL);
-    EXPECT_EQ(outcome.result, 2);
-    EXPECT_EQ(outcome.records, Records{error("Mutex lock failed, ERROR code: ERR_UNKNOWN (22)")});
-}
-
-TEST(VyMutex, reportsAForbiddenUnlockWithItsNumber) {
-    const Outcome outcome = outcomeOf(MutexCall::unlock, EPERM);
-    EXPECT_EQ(outcome.result, 2);
-    EXPECT_EQ(outcome.records, Records{error("Mutex unlock failed, ERROR code: ERR_UNKNOWN (1)")});
-}
-
-TEST(VyMutex, reportsABusyUnlockLikeAnyOther) {
-    const Outcome outcome = outcomeOf(MutexCall::unlock, EBUSY);
-    EXPECT_EQ(outcome.result, 2);
-    EXPECT_EQ(outcome.records, Records{error("Mutex unlock failed, ERROR code: ERR_UNKNOWN (16)")});
-}
-
-TEST(VyMutex, tracesALockBeforeItFails) {
-    const Outcome outcome = outcomeOf(MutexCall::lock, EDEADLK, mutexCategory);
-    EXPECT_EQ(outcome.result, 2);
-    EXPECT_EQ(outcome.records, (Records{tracing("Mutex lock"),
-                                        error("Mutex lock failed, ERROR code: ERR_UNKNOWN (35)")}));
-}
-
-TEST(VyMutex, tracesAnUnlockBeforeItFails) {
-    const Outcome outcome = outcomeOf(MutexCall::unlock, EPERM, mutexCategory);
-    EXPECT_EQ(outcome.result, 2);
-    EXPECT_EQ(outcome.records,
-              (Records{tracing("Mutex unlock"),
-                       error("Mutex unlock failed, ERROR code: ERR_UNKNOWN (1)")}));
 }
 
 TEST(VyMutex, isUsableAfterAFailedInitialisationWasLogged) {
     const RecordCapture capture;
     VyLog::SetTraceMask(mutexCategory);
-    MutexStorage storage = {};
-    Mutex* mutex = nullptr;
+    std::optional<Mutex> mutex;
     {
-        const MutexFault fault(MutexCall::initialise, EAGAIN, &storage, sizeof(storage));
-        mutex = storage.construct();
+        const MutexFault fault(MutexCall::initialise, EAGAIN, &mutex, sizeof(mutex));
+        mutex.emplace();
+        EXPECT_FALSE(fault.hadAttributes());
     }
     EXPECT_EQ(withoutLineNumbers(capture.records()),
               (Records{tracing("Mutex initialization"),
                        error("Mutex initialization failed, ERROR code: 11")}));
     EXPECT_EQ(mutex->Lock(), 0);
     EXPECT_EQ(mutex->Unlock(), 0);
-    mutex->~Mutex();
 }
 
 TEST(VyMutex, logsAFailedDestruction) {
@@ -247,29 +141,14 @@ TEST(VyMutex, logsAFailedDestruction) {
 }
 
 TEST(VyMutex, reportsAFailureThatThereIsNoMemoryToLog) {
-    const Result result = vantric_test::runRoleWith({}, "locksWithoutMemory");
-    EXPECT_EQ(result.status->code(), 2) << result.errors;
+    const Result result = runRoleWith({}, "locksWithoutMemory");
+    EXPECT_EQ(result.status.code(), 2) << result.errors;
 }
 
-namespace {
-
-Result runMutexBeforeMain(const vantric_test::LogSettings& settings) {
-    const vantric_test::LogEnvironment environment(settings);
-    vantric_test::Command command;
-    command.program = MUTEX_BEFORE_MAIN_PATH;
-    return vantric_test::run(command);
-}
-
-}  // namespace
-
-TEST(VyMutex, existsOncePerProcessBeforeMain) {
-    const Result result = runMutexBeforeMain({{"VRAX_LOG_LEVEL", "error"}});
-    EXPECT_EQ(withoutLineNumbers(vantric_test::recordsIn(result.output)),
+TEST(VyMutex, existsOncePerProcessFromBeforeMainToTheEnd) {
+    const LogEnvironment environment(LogSettings{{"VRAX_LOG_LEVEL", "error"}});
+    const Result result = run({MUTEX_BEFORE_MAIN_PATH});
+    EXPECT_EQ(withoutLineNumbers(recordsIn(result.output)),
               Records{error("Mutex initialization failed, ERROR code: 12")});
-}
-
-TEST(VyMutex, isNeverDestroyedAsTheProcessWideInstance) {
-    const Result result = runMutexBeforeMain({});
-    EXPECT_EQ(result.status->code(), 0) << result.errors;
-    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.status.code(), 0) << "the process-wide mutex was destroyed";
 }

@@ -2,84 +2,19 @@
 // read from outside it, and nothing may crash or hang.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <iterator>
 
-#include "Vantric/ClientServer/SharedMemoryCircularBuffer.h"
-#include "Vantric/ClientServer/SharedMemoryModemCommands.h"
-#include "Vantric/ClientServer/SharedMemoryModemState.h"
-#include "tests/Vantric/ClientServer/RingImage.h"
-#include "tests/support/ErrorRecord.h"
-#include "tests/support/RawSemaphore.h"
+#include "tests/Vantric/ClientServer/CommandChannel.h"
 #include "tests/support/Roles.h"
 
 namespace vantric_test {
 namespace {
 
-using com_qel::Orvane::Vantric::ModemState;
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemState;
-
-constexpr uint32_t untouchedCommand = 0xABCDABCD;
-
-// One channel in both roles, on a ring that a case replaces as it likes.
-struct BrokenRing {
-    SharedMemoryModemCommands producer{false};
-    SharedMemoryModemCommands consumer{true};
-    RawSegment segment{ringName};
-    RingImage image;
-    uint32_t command = untouchedCommand;
-    uint32_t size = 0;
-    Bytes buffer;
-
-    BrokenRing() {
-        image.attached = 2;
-        image.consumers = 1;
-    }
-
-    // Lays `image` into the object.
-    void apply() { segment.write(0, image.bytes()); }
-
-    // Enqueues and dequeues, and expects both to leave the object as it is.
-    void expectUnusable() {
-        apply();
-        EXPECT_TRUE(enqueue(5));
-        EXPECT_TRUE(holds(segment, image));
-        EXPECT_FALSE(dequeue());
-        EXPECT_TRUE(isUntouched());
-        EXPECT_TRUE(holds(segment, image));
-        EXPECT_EQ(semaphoreValue(ringLockName), 1);
-    }
-
-    bool enqueue(uint32_t id, const Bytes& payload = {}) {
-        return producer.enqueue(id, payload.data(), static_cast<uint32_t>(payload.size()));
-    }
-
-    bool dequeue(uint32_t capacity = 100) {
-        command = untouchedCommand;
-        size = capacity;
-        buffer.assign(100, 0xEE);
-        return consumer.dequeue(command, buffer.data(), &size);
-    }
-
-    bool isUntouched(uint32_t capacity = 100) const {
-        return command == untouchedCommand && size == capacity && buffer == Bytes(100, 0xEE);
-    }
-};
-
-// Claims a huge payload. arguments: none
-const RoleRegistration fooled("fooledConsumer", [](const std::vector<std::string>&) {
-    BrokenRing ring;
-    ring.image.put(0, {5, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
-    ring.image.writeIndex = 100;
-    ring.image.empty = 0;
-    ring.apply();
-    return !ring.dequeue() && ring.isUntouched() ? 0 : 1;
-});
-
 // Changes the ring's header all the time until it is killed. arguments: none
-const RoleRegistration scribbler("scribbler", [](const std::vector<std::string>&) {
+const RoleRegistration scribbler("scribbler", [](const Arguments&) {
     RawSegment segment(ringName);
     const uint32_t values[] = {0, 1, 7, 8, 4095, 4096, 4097, 0x80000000, UINT32_MAX};
     std::puts("scribbling");
@@ -92,237 +27,137 @@ const RoleRegistration scribbler("scribbler", [](const std::vector<std::string>&
     return 0;
 });
 
-TEST(HostileMemory, aCapacityThatCannotBeMakesTheRingUnusable) {
-    for (const uint32_t capacity : {0U, 7U, 4097U, 65536U, 0x80000000U, UINT32_MAX}) {
-        SCOPED_TRACE(capacity);
-        BrokenRing ring;
-        ring.image.capacity = capacity;
-        ring.image.readIndex = 0;
-        ring.image.writeIndex = capacity == 7 ? 6 : 20;
-        ring.image.empty = 0;
-        ring.expectUnusable();
-        ring.image.writeIndex = 0;
-        ring.image.full = 1;
-        ring.expectUnusable();
-        ring.image.full = 0;
-        ring.image.empty = 1;
-        ring.expectUnusable();
+// A ring of which nothing but these fields is out of the ordinary.
+RingImage ringWith(uint32_t capacity, uint32_t readIndex, uint32_t writeIndex, unsigned char full,
+                   unsigned char empty) {
+    RingImage image = CommandChannel::empty();
+    image.capacity = capacity;
+    image.readIndex = readIndex;
+    image.writeIndex = writeIndex;
+    image.full = full;
+    image.empty = empty;
+    return image;
+}
+
+TEST(HostileMemory, aRingThatIsNotSetUpIsUnusable) {
+    CommandChannel channel;
+    for (const uint32_t initialized : {0U, 2U, 0x01000000U, UINT32_MAX}) {
+        channel.image.initialized = initialized;
+        channel.expectUnusable();
     }
 }
 
-TEST(HostileMemory, anIndexOutsideTheCapacityMakesTheRingUnusable) {
+TEST(HostileMemory, aHeaderThatCannotBeTrueMakesTheRingUnusable) {
+    std::vector<RingImage> images = {ringWith(ringCapacity, 50, 50, 0, 0)};
+    for (const uint32_t capacity : {0U, 7U, ringCapacity + 1, 0x80000000U, UINT32_MAX}) {
+        for (const uint32_t writeIndex : {0U, std::min(capacity - 1, 20U)}) {
+            images.push_back(ringWith(capacity, 0, writeIndex, 1, 0));
+            images.push_back(ringWith(capacity, 0, writeIndex, 0, 1));
+        }
+    }
     for (const uint32_t capacity : {8U, 100U, ringCapacity}) {
         for (const uint32_t index : {capacity, capacity + 1, 0x80000000U, UINT32_MAX}) {
-            SCOPED_TRACE(testing::Message() << "capacity " << capacity << ", index " << index);
-            BrokenRing ring;
-            ring.image.capacity = capacity;
-            ring.image.readIndex = index;
-            ring.image.writeIndex = 0;
-            ring.expectUnusable();
-            ring.image.readIndex = 0;
-            ring.image.writeIndex = index;
-            ring.expectUnusable();
-            ring.image.readIndex = index;
-            ring.expectUnusable();
-            ring.image.empty = 0;
-            ring.image.full = 1;
-            ring.expectUnusable();
+            images.push_back(ringWith(capacity, index, 0, 0, 1));
+            images.push_back(ringWith(capacity, 0, index, 0, 1));
+            images.push_back(ringWith(capacity, index, index, 0, 1));
+            images.push_back(ringWith(capacity, index, index, 1, 0));
         }
+    }
+    CommandChannel channel;
+    for (const RingImage& image : images) {
+        SCOPED_TRACE(testing::Message()
+                     << "capacity " << image.capacity << ", indices " << image.readIndex << " and "
+                     << image.writeIndex << ", flags " << +image.full << " and " << +image.empty);
+        channel.image = image;
+        channel.expectUnusable();
     }
 }
 
 TEST(HostileMemory, aSmallerCapacityIsHonoured) {
-    BrokenRing ring;
-    ring.image.capacity = 24;
-    ring.image.readIndex = 20;
-    ring.image.writeIndex = 20;
-    ring.apply();
-    EXPECT_TRUE(ring.enqueue(5, {1, 2, 3}));
-    ring.image.put(20, {5, 0, 0, 0});
-    ring.image.put(0, {3, 0, 0, 0, 1, 2, 3});
-    ring.image.writeIndex = 7;
-    ring.image.empty = 0;
-    EXPECT_TRUE(holds(ring.segment, ring.image));
-    ASSERT_TRUE(ring.dequeue());
-    EXPECT_EQ(ring.command, 5U);
-    EXPECT_EQ(ring.size, 3U);
-    EXPECT_EQ(Bytes(ring.buffer.begin(), ring.buffer.begin() + 3), (Bytes{1, 2, 3}));
+    CommandChannel channel;
+    channel.image = ringWith(24, 20, 20, 0, 1);
+    channel.apply();
+    EXPECT_TRUE(channel.enqueue(5, {1, 2, 3}));
+    channel.image.put(20, {5, 0, 0, 0});
+    channel.image.put(0, {3, 0, 0, 0, 1, 2, 3});
+    channel.image.writeIndex = 7;
+    channel.image.empty = 0;
+    EXPECT_TRUE(holds(channel.segment, channel.image));
+    ASSERT_TRUE(channel.dequeue());
+    EXPECT_EQ(channel.command, 5U);
+    EXPECT_EQ(channel.size, 3U);
+    EXPECT_EQ(Bytes(channel.buffer.begin(), channel.buffer.begin() + 3), (Bytes{1, 2, 3}));
 
-    EXPECT_TRUE(ring.enqueue(6, Bytes(17)));  // a frame of 25 bytes
-    ring.image.readIndex = 7;
-    ring.image.empty = 1;
-    EXPECT_TRUE(holds(ring.segment, ring.image));
-}
-
-TEST(HostileMemory, aFullRingOfEightBytesStillYieldsItsHeader) {
-    BrokenRing ring;
-    ring.image.capacity = 8;
-    ring.image.put(0, {0, 0, 0, 0, 0, 5, 0, 0});
-    ring.image.readIndex = 5;
-    ring.image.writeIndex = 5;
-    ring.image.full = 1;
-    ring.image.empty = 0;
-    ring.apply();
-    EXPECT_TRUE(ring.dequeue());
-    EXPECT_EQ(ring.command, 5U);
-    ring.image.full = 0;
-    ring.image.empty = 1;
-    EXPECT_TRUE(holds(ring.segment, ring.image));
+    EXPECT_TRUE(channel.enqueue(6, Bytes(17)));  // a frame of 25 bytes
+    channel.image.readIndex = 7;
+    channel.image.empty = 1;
+    EXPECT_TRUE(holds(channel.segment, channel.image));
 }
 
 TEST(HostileMemory, equalIndicesWithBothFlagsSetCanBeWrittenAndRead) {
-    BrokenRing ring;
-    ring.image.full = 1;
-    ring.image.empty = 1;
-    ring.image.readIndex = 50;
-    ring.image.writeIndex = 50;
-    ring.image.put(50, frame(9));
-    ring.apply();
-    ASSERT_TRUE(ring.dequeue());
-    EXPECT_EQ(ring.command, 9U);
+    CommandChannel channel;
+    channel.image = ringWith(ringCapacity, 50, 50, 1, 1);
+    channel.image.put(50, frame(9));
+    channel.apply();
+    ASSERT_TRUE(channel.dequeue());
+    EXPECT_EQ(channel.command, 9U);
 
-    ring.apply();
-    EXPECT_TRUE(ring.enqueue(6));
-    ring.image.put(50, frame(6));
-    ring.image.writeIndex = 58;
-    ring.image.full = 0;
-    ring.image.empty = 0;
-    EXPECT_TRUE(holds(ring.segment, ring.image));
-}
-
-TEST(HostileMemory, equalIndicesWithBothFlagsClearAreNeitherWrittenNorRead) {
-    BrokenRing ring;
-    ring.image.full = 0;
-    ring.image.empty = 0;
-    ring.image.readIndex = 50;
-    ring.image.writeIndex = 50;
-    ring.expectUnusable();
-}
-
-TEST(HostileMemory, flagsDoNotMatterWhileTheIndicesDiffer) {
-    for (const bool isSet : {false, true}) {
-        const auto flag = static_cast<unsigned char>(isSet);
-        BrokenRing ring;
-        ring.image.full = flag;
-        ring.image.empty = flag;
-        ring.image.put(0, frame(9));
-        ring.image.writeIndex = 8;
-        ring.apply();
-        EXPECT_TRUE(ring.enqueue(6));
-        ring.image.put(8, frame(6));
-        ring.image.writeIndex = 16;
-        ring.image.full = 0;
-        ring.image.empty = 0;
-        EXPECT_TRUE(holds(ring.segment, ring.image));
-        ring.segment.write(28, {flag, flag});
-        ASSERT_TRUE(ring.dequeue());
-        EXPECT_EQ(ring.command, 9U);
-        ring.image.readIndex = 8;
-        EXPECT_TRUE(holds(ring.segment, ring.image));
-    }
-}
-
-TEST(HostileMemory, aFullFlagDoesNotMakeMoreOfUnequalIndices) {
-    BrokenRing ring;
-    ring.image.full = 1;
-    ring.image.empty = 0;
-    ring.image.put(0, {5, 0, 0, 0, 9, 0, 0, 0});
-    ring.image.writeIndex = 7;  // a partial header
-    ring.apply();
-    EXPECT_FALSE(ring.dequeue());
-    EXPECT_TRUE(holds(ring.segment, ring.image));
-
-    ring.image.writeIndex = 16;  // one payload byte is missing
-    ring.apply();
-    EXPECT_FALSE(ring.dequeue());
-    EXPECT_TRUE(ring.isUntouched());
-    ring.image.readIndex = 8;
-    ring.image.full = 0;
-    EXPECT_TRUE(holds(ring.segment, ring.image));
-}
-
-TEST(HostileMemory, anEmptyFlagDoesNotMakeMoreRoomOfUnequalIndices) {
-    BrokenRing ring;
-    ring.image.empty = 1;
-    ring.image.readIndex = 17;
-    ring.image.writeIndex = 0;
-    ring.apply();
-    EXPECT_TRUE(ring.enqueue(5, pattern(10)));  // 18 bytes
-    EXPECT_TRUE(holds(ring.segment, ring.image));
+    channel.apply();
+    EXPECT_TRUE(channel.enqueue(6));
+    channel.image = ringWith(ringCapacity, 50, 58, 0, 0);
+    channel.image.put(50, frame(6));
+    EXPECT_TRUE(holds(channel.segment, channel.image));
 }
 
 TEST(HostileMemory, aPayloadSizeBeyondTheRingIsRefusedHoweverLargeTheBufferClaimsToBe) {
-    for (const uint32_t size : {101U, ringCapacity + 1, 0x80000000U, UINT32_MAX}) {
-        BrokenRing ring;
+    CommandChannel channel;
+    for (const uint32_t size : {93U, ringCapacity + 1, 0x80000000U, UINT32_MAX}) {
         Bytes header;
         appendWord(header, 5);
         appendWord(header, size);
-        ring.image.put(0, header);
-        ring.image.writeIndex = 100;
-        ring.image.empty = 0;
-        ring.apply();
-        EXPECT_FALSE(ring.dequeue(UINT32_MAX));
-        EXPECT_TRUE(ring.isUntouched(UINT32_MAX));
-        ring.image.readIndex = 8;
-        EXPECT_TRUE(holds(ring.segment, ring.image));
+        channel.image = ringWith(ringCapacity, 0, 100, 0, 0);
+        channel.image.put(0, header);
+        channel.apply();
+        EXPECT_FALSE(channel.dequeue(UINT32_MAX));
+        EXPECT_TRUE(channel.isUntouched(UINT32_MAX));
+        channel.image.readIndex = 8;
+        EXPECT_TRUE(holds(channel.segment, channel.image));
     }
 }
 
-TEST(HostileMemory, aHugePayloadSizeIsLoggedAsTheNumberItIs) {
-    const Result result = run(roleCommand("fooledConsumer", {}, errorsOnConsole()));
-    ASSERT_TRUE(result.status.has_value());
-    EXPECT_EQ(result.status->raw, 0) << result.errors;
-    EXPECT_TRUE(isOneErrorRecord(result.output, "SharedMemoryModemCommands", 93,
-                                 "Dequeue command insufficient payload buffer. Command: <5>, "
-                                 "Received size: <4294967295>, Buffer size: <100"));
-}
-
-TEST(HostileMemory, endlessRoleCountsDoNoHarm) {
-    BrokenRing ring;
-    ring.image.producers = UINT32_MAX;
-    ring.image.consumers = UINT32_MAX;
-    ring.apply();
+TEST(HostileMemory, theHighestRoleCountsDoNoHarm) {
+    CommandChannel channel;
+    channel.image.producers = UINT32_MAX;
+    channel.image.consumers = UINT32_MAX;
+    channel.apply();
     {
-        const SharedMemoryModemCommands producer(false);
-        const SharedMemoryModemCommands consumer(true);
-        EXPECT_EQ(ring.segment.word(8), 0U);
-        EXPECT_EQ(ring.segment.word(12), 0U);
+        const CommandChannel another;
+        EXPECT_EQ(another.segment.word(8), 0U);
+        EXPECT_EQ(another.segment.word(12), 0U);
     }
-    EXPECT_EQ(ring.segment.word(8), 0U);
-    EXPECT_EQ(ring.segment.word(12), 0U);
+    EXPECT_EQ(channel.segment.word(8), 0U);
+    EXPECT_EQ(channel.segment.word(12), 0U);
 }
 
 TEST(HostileMemory, aHeaderThatChangesAllTheTimeDoesNoHarm) {
-    BrokenRing ring;
+    CommandChannel channel;
     const Bytes payload = pattern(60);
     ChildProcess process(roleCommand("scribbler"));
     ASSERT_TRUE(process.waitForOutput("scribbling"));
     for (int round = 0; round < 20000; ++round) {
-        ASSERT_TRUE(ring.enqueue(5, payload));
-        ring.dequeue(60);
-        ASSERT_EQ(Bytes(ring.buffer.begin() + 60, ring.buffer.end()), Bytes(40, 0xEE));
+        ASSERT_TRUE(channel.enqueue(5, payload));
+        channel.dequeue(60);
+        ASSERT_EQ(Bytes(channel.buffer.begin() + 60, channel.buffer.end()), Bytes(40, 0xEE));
     }
     process.sendSignal(SIGKILL);
     ASSERT_TRUE(process.wait().has_value());
 
-    EXPECT_EQ(ring.segment.bytes(4126, 2), (Bytes{0, 0}));
+    EXPECT_EQ(channel.segment.bytes(4126, 2), (Bytes{0, 0}));
     EXPECT_EQ(semaphoreValue(ringLockName), 1);
-    ring.apply();
-    ASSERT_TRUE(ring.enqueue(5, payload));
-    ASSERT_TRUE(ring.dequeue());
-    EXPECT_EQ(ring.command, 5U);
-}
-
-TEST(HostileMemory, aRecordOfAnyBytesIsCopiedAsItIs) {
-    SharedMemoryModemState segment;
-    RawSegment object("ModemStateShm");
-    object.write(12, Bytes(141, 0xFF));
-    object.writeWord(4, 1);
-    object.write(8, {1});
-    ModemState record = {};
-    EXPECT_TRUE(segment.read(record));
-    EXPECT_EQ(record.timestamp, -1);
-    EXPECT_EQ(record.wifiConnectionState[31], static_cast<char>(0xFF));
+    channel.apply();
+    ASSERT_TRUE(channel.enqueue(5, payload));
+    ASSERT_TRUE(channel.dequeue());
+    EXPECT_EQ(channel.command, 5U);
 }
 
 }  // namespace

@@ -49,20 +49,9 @@ struct RingImage {
 };
 
 inline testing::AssertionResult holds(const RawSegment& segment, const RingImage& expected) {
-    const Bytes actualBytes = segment.bytes();
-    const Bytes expectedBytes = expected.bytes();
-    if (actualBytes.size() != expectedBytes.size()) {
-        return testing::AssertionFailure() << "the object has " << actualBytes.size() << " bytes";
-    }
-    testing::AssertionResult result = testing::AssertionSuccess();
-    for (std::size_t offset = 0; offset < actualBytes.size(); ++offset) {
-        if (actualBytes[offset] != expectedBytes[offset]) {
-            result = result ? testing::AssertionFailure() : result;
-            result << "object offset " << offset << " holds " << int{actualBytes[offset]}
-                   << " instead of " << int{expectedBytes[offset]} << '\n';
-        }
-    }
-    return result;
+    const std::string difference = firstDifference(segment.bytes(), expected.bytes());
+    return difference.empty() ? testing::AssertionSuccess()
+                              : testing::AssertionFailure() << difference;
 }
 
 inline Bytes frame(uint32_t command, const Bytes& payload = {}) {

@@ -1,25 +1,68 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "Vantric/ClientServer/SharedMemoryDirectAccessor.h"
 #include "Vantric/ClientServer/SharedMemoryProvider.h"
-#include "tests/Vantric/ClientServer/RecordingProvider.h"
+#include "tests/support/ProcessFacts.h"
+#include "tests/support/RawSegment.h"
+#include "tests/support/RawSemaphore.h"
 #include "tests/support/VirtualSlot.h"
 
 namespace vantric_test {
 namespace {
 
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryDirectAccessor;
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryProvider;
+using namespace com_qel::Orvane::Vantric::ClientServer;
 
 struct Memory {
     uint32_t first;
     unsigned char second[6];
+};
+
+// A provider without shared memory that notes what is done with it.
+class RecordingProvider {
+  public:
+    static constexpr const char* segmentName = "RecordedSegment";
+    static constexpr const char* lockName = "RecordedSegmentLock";
+
+    // What happened so far, each with whether the lock was open then. Empty it before each use.
+    static std::vector<std::string>& events() {
+        static std::vector<std::string> noted;
+        return noted;
+    }
+
+    // Lets the next map() throw.
+    static bool& failsNext() {
+        static bool fails = false;
+        return fails;
+    }
+
+    RecordingProvider() { note("constructed"); }
+    ~RecordingProvider() { note("destroyed"); }
+    RecordingProvider& operator=(RecordingProvider&&) = delete;
+
+    void* map(uint32_t size, const std::string& name) {
+        note("map " + std::to_string(size) + " " + name);
+        if (failsNext()) {
+            failsNext() = false;
+            throw std::runtime_error("no room");
+        }
+        return memory_;
+    }
+
+  private:
+    static void note(const std::string& event) {
+        const std::string object = semaphoreObject(lockName);
+        const bool isOpen = segmentExists(object) && isMapped(segmentInode(object));
+        events().push_back(event + (isOpen ? ", lock open" : ", lock closed"));
+    }
+
+    alignas(8) unsigned char memory_[64] = {};
 };
 
 constexpr const char* name = "TestSegment";
@@ -42,37 +85,6 @@ class Probe : public RecordingAccessor {
     }
 };
 
-TEST(SharedMemoryDirectAccessor, mapsTheSegmentForItsMemory) {
-    Accessor accessor(name);
-    EXPECT_EQ(segmentLength(name), sizeof(Memory) + 4);
-    accessor.memory()->first = 0x04030201;
-    std::memset(accessor.memory()->second, 9, 6);
-    EXPECT_EQ(RawSegment(name).bytes(4, 10), (Bytes{1, 2, 3, 4, 9, 9, 9, 9, 9, 9}));
-}
-
-TEST(SharedMemoryDirectAccessor, theLockIsNamedAfterTheSegment) {
-    Accessor accessor(name);
-    accessor.lock().lock();
-    EXPECT_EQ(semaphoreValue("TestSegmentLock"), 0);
-    accessor.lock().unlock();
-    EXPECT_EQ(semaphoreValue("TestSegmentLock"), 1);
-    EXPECT_EQ(semaphoreValue("TestSegmentProviderLock"), 1);
-}
-
-TEST(SharedMemoryDirectAccessor, detachesWhenDestroyed) {
-    { const Accessor accessor(name); }
-    EXPECT_FALSE(segmentExists(name));
-    EXPECT_TRUE(segmentExists(semaphoreObject("TestSegmentLock")));
-}
-
-TEST(SharedMemoryDirectAccessor, buildsTheProviderThenTheLockThenMaps) {
-    RecordingProvider::events().clear();
-    const RecordingAccessor accessor(RecordingProvider::segmentName);
-    EXPECT_EQ(RecordingProvider::events(),
-              (std::vector<std::string>{"constructed, lock closed",
-                                        "map 12 RecordedSegment, lock open"}));
-}
-
 TEST(SharedMemoryDirectAccessor, closesTheLockBeforeTheProviderGoes) {
     {
         const RecordingAccessor accessor(RecordingProvider::segmentName);
@@ -81,7 +93,7 @@ TEST(SharedMemoryDirectAccessor, closesTheLockBeforeTheProviderGoes) {
     EXPECT_EQ(RecordingProvider::events(), std::vector<std::string>{"destroyed, lock closed"});
 }
 
-TEST(SharedMemoryDirectAccessor, passesOnWhatMapThrowsAndDestroysItsParts) {
+TEST(SharedMemoryDirectAccessor, buildsTheProviderThenTheLockThenMapsAndGoesBackWhenThatFails) {
     RecordingProvider::events().clear();
     RecordingProvider::failsNext() = true;
     try {
@@ -96,20 +108,6 @@ TEST(SharedMemoryDirectAccessor, passesOnWhatMapThrowsAndDestroysItsParts) {
                                   "destroyed, lock closed"}));
 }
 
-TEST(SharedMemoryDirectAccessor, holdsNoLockWhileMappingNorAfterwards) {
-    Accessor accessor(name);
-    EXPECT_EQ(semaphoreValue("TestSegmentLock"), 1);
-}
-
-TEST(SharedMemoryDirectAccessor, aLockThatCannotBeOpenedDoesNotStopConstruction) {
-    ASSERT_EQ(mkdir(segmentPath("sem.TestSegmentLock").c_str(), 0777), 0);
-    Accessor accessor(name);
-    accessor.lock().lock();
-    accessor.memory()->first = 5;
-    accessor.lock().unlock();
-    EXPECT_EQ(RawSegment(name).word(4), 5U);
-}
-
 TEST(SharedMemoryDirectAccessor, theMemoryComesFirstInTheObject) {
     Accessor accessor(name);
     Memory* memory = nullptr;
@@ -119,7 +117,7 @@ TEST(SharedMemoryDirectAccessor, theMemoryComesFirstInTheObject) {
     EXPECT_EQ(sizeof(Accessor), 4 * sizeof(void*));
 }
 
-TEST(SharedMemoryDirectAccessor, slotZeroDestroysAndSlotOneFreesAsWell) {
+TEST(SharedMemoryDirectAccessor, slotZeroDestroysSlotOneFreesAsWellAndThereIsNoOther) {
     alignas(Probe) unsigned char storage[sizeof(Probe)];
     void* object = new (storage) Probe;
     RecordingProvider::events().clear();
@@ -131,9 +129,6 @@ TEST(SharedMemoryDirectAccessor, slotZeroDestroysAndSlotOneFreesAsWell) {
     callVirtualSlot(object, 1);
     EXPECT_EQ(RecordingProvider::events(),
               (std::vector<std::string>{"destroyed, lock closed", "freed"}));
-}
-
-TEST(SharedMemoryDirectAccessor, hasNoVirtualOperationBesidesTheDestructor) {
     EXPECT_EQ(virtualSlot(&Probe::firstAdded), 2U);
 }
 

@@ -1,24 +1,21 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <stdexcept>
 
 #include "Vantric/ClientServer/SharedMemoryLayout.h"
 #include "Vantric/ClientServer/SharedMemoryProvider.h"
-#include "tests/Vantric/ClientServer/RecordingProvider.h"
+#include "tests/Vantric/ClientServer/WaitingOperation.h"
 #include "tests/support/Allocations.h"
-#include "tests/support/ProcessFacts.h"
 #include "tests/support/RawSegment.h"
 #include "tests/support/RawSemaphore.h"
-#include "tests/support/Roles.h"
+#include "tests/support/SemaphoreCalls.h"
 #include "tests/support/VirtualSlot.h"
 
 namespace vantric_test {
 namespace {
 
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryLayout;
-using com_qel::Orvane::Vantric::ClientServer::SharedMemoryProvider;
+using namespace com_qel::Orvane::Vantric::ClientServer;
 
 struct Record {
     unsigned char bytes[7];
@@ -42,6 +39,9 @@ class CuriousLayout : public Segment {
     bool isCompatibleVersion(uint32_t version) override {
         askedFor = version;
         lockValueWhenAsked = semaphoreValue(lockName);
+        if (throws) {
+            throw std::runtime_error("no answer");
+        }
         return isCompatible;
     }
 
@@ -50,31 +50,8 @@ class CuriousLayout : public Segment {
     uint32_t askedFor = 0;
     int lockValueWhenAsked = -1;
     bool isCompatible = true;
+    bool throws = false;
 };
-
-// A record all of whose bytes are the same shows a torn copy.
-struct LargeRecord {
-    unsigned char bytes[4108];
-};
-
-using LargeLayout = SharedMemoryLayout<LargeRecord, SharedMemoryProvider>;
-
-bool isTorn(const LargeRecord& record) {
-    return std::memcmp(record.bytes, record.bytes + 1, sizeof(record.bytes) - 1) != 0;
-}
-
-// Publishes changing records until it is killed. arguments: none
-const RoleRegistration publisher("publisher", [](const std::vector<std::string>&) {
-    LargeLayout layout("LargeState", 1);
-    LargeRecord record = {};
-    std::puts("attached");
-    std::fflush(stdout);
-    for (unsigned char filling = 1; true; ++filling) {
-        std::memset(record.bytes, filling, sizeof(record.bytes));
-        layout.publish(record);
-    }
-    return 0;
-});
 
 void writeHeader(RawSegment& segment, uint32_t version, unsigned char valid) {
     segment.writeWord(versionOffset, version);
@@ -105,30 +82,6 @@ void expectNothingToRead(uint32_t version, unsigned char valid) {
     EXPECT_EQ(semaphoreValue(lockName), 1);
 }
 
-TEST(SharedMemoryLayout, theObjectHoldsCountHeaderAndRecordWithoutPadding) {
-    const Segment layout(name, 1);
-    EXPECT_EQ(segmentLength(name), 4U + 8U + 7U);
-    EXPECT_EQ(sizeof(Segment::Layout), 15U);
-}
-
-TEST(SharedMemoryLayout, aFreshSegmentIsAllZeroAndHasNothingToRead) {
-    Segment layout(name, 1);
-    EXPECT_EQ(RawSegment(name).bytes(4, 15), Bytes(15, 0));
-    Bytes record;
-    EXPECT_FALSE(read(layout, record));
-    EXPECT_EQ(record, Bytes(7, 0));
-}
-
-TEST(SharedMemoryLayout, readsThePublishedRecord) {
-    Segment layout(name, 1);
-    RawSegment segment(name);
-    segment.write(recordOffset, bytesOf(sample));
-    writeHeader(segment, 1, 1);
-    Bytes record;
-    EXPECT_TRUE(read(layout, record));
-    EXPECT_EQ(record, bytesOf(sample));
-}
-
 TEST(SharedMemoryLayout, anotherVersionIsNotRead) {
     expectNothingToRead(2, 1);
     expectNothingToRead(0, 1);
@@ -142,26 +95,6 @@ TEST(SharedMemoryLayout, anyOtherValidMarkIsNotRead) {
             expectNothingToRead(1, static_cast<unsigned char>(valid));
         }
     }
-}
-
-TEST(SharedMemoryLayout, theReservedBytesDoNotMatter) {
-    Segment layout(name, 1);
-    layout.publish(sample);
-    RawSegment(name).write(reservedOffset, {1, 2, 3});
-    Bytes record;
-    EXPECT_TRUE(read(layout, record));
-    EXPECT_EQ(record, bytesOf(sample));
-}
-
-TEST(SharedMemoryLayout, readingChangesNothing) {
-    Segment layout(name, 1);
-    layout.publish(sample);
-    RawSegment segment(name);
-    segment.write(reservedOffset, {1, 2, 3});
-    const Bytes before = segment.bytes();
-    Bytes record;
-    read(layout, record);
-    EXPECT_EQ(segment.bytes(), before);
 }
 
 TEST(SharedMemoryLayout, publishWritesRecordVersionAndValidMarkOnly) {
@@ -194,45 +127,42 @@ TEST(SharedMemoryLayout, readingAsksTheVirtualOperationWhileItHoldsTheLock) {
     EXPECT_EQ(layout.askedFor, 77U);
     EXPECT_EQ(layout.lockValueWhenAsked, 0);
     EXPECT_EQ(semaphoreValue(lockName), 1);
-}
-
-TEST(SharedMemoryLayout, aVersionThatADerivedClassRefusesIsNotRead) {
-    CuriousLayout layout;
-    layout.publish(sample);
     layout.isCompatible = false;
-    Bytes record;
     EXPECT_FALSE(read(layout, record));
     EXPECT_EQ(record, Bytes(7, 0));
 }
 
-TEST(SharedMemoryLayout, readingWaitsForTheLock) {
-    Segment layout(name, 1);
+TEST(SharedMemoryLayout, anExceptionOutOfTheVirtualOperationLeavesZerosAndAFreeLock) {
+    CuriousLayout layout;
     layout.publish(sample);
-    RawSemaphore semaphore(lockName);
-    ASSERT_TRUE(semaphore.tryTake());
-    Bytes record;
-    bool isRead = false;
-    const BackgroundAction reading([&] { isRead = read(layout, record); });
-    EXPECT_TRUE(reading.blocks());
-    RawSegment(name).write(recordOffset, {11});
-    semaphore.post();
-    EXPECT_TRUE(reading.ends());
-    EXPECT_TRUE(isRead);
-    EXPECT_EQ(record, (Bytes{11, 20, 30, 40, 50, 60, 70}));
-    EXPECT_EQ(semaphore.value(), 1);
+    layout.throws = true;
+    Record record = sample;
+    EXPECT_THROW(layout.read(record), std::runtime_error);
+    EXPECT_EQ(bytesOf(record), Bytes(7, 0));
+    EXPECT_EQ(semaphoreValue(lockName), 1);
 }
 
-TEST(SharedMemoryLayout, publishingWaitsForTheLock) {
+TEST(SharedMemoryLayout, aFailedReadZeroesTheResultWhenTheLockIsFreeAgain) {
     Segment layout(name, 1);
-    RawSemaphore semaphore(lockName);
-    ASSERT_TRUE(semaphore.tryTake());
-    const BackgroundAction publishing([&] { layout.publish(sample); });
-    EXPECT_TRUE(publishing.blocks());
-    EXPECT_EQ(RawSegment(name).bytes(4, 15), Bytes(15, 0));
-    semaphore.post();
-    EXPECT_TRUE(publishing.ends());
-    EXPECT_EQ(RawSegment(name).bytes(recordOffset, 7), bytesOf(sample));
-    EXPECT_EQ(semaphore.value(), 1);
+    Record record = sample;
+    Bytes whenReleased;
+    observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
+        if (moment == SemaphoreMoment::AboutToPost) {
+            whenReleased = bytesOf(record);
+        }
+    });
+    EXPECT_FALSE(layout.read(record));
+    observeSemaphoreCalls(nullptr);
+    EXPECT_EQ(whenReleased, bytesOf(sample));
+    EXPECT_EQ(bytesOf(record), Bytes(7, 0));
+}
+
+TEST(SharedMemoryLayout, publishingAndReadingWaitForTheLock) {
+    Segment layout(name, 1);
+    Bytes record;
+    expectToWaitFor(lockName, name, [&] { layout.publish(sample); });
+    expectToWaitFor(lockName, name, [&] { read(layout, record); });
+    EXPECT_EQ(record, bytesOf(sample));
 }
 
 TEST(SharedMemoryLayout, readingAndPublishingAllocateNothing) {
@@ -242,44 +172,6 @@ TEST(SharedMemoryLayout, readingAndPublishingAllocateNothing) {
     layout.publish(sample);
     EXPECT_TRUE(layout.read(record));
     EXPECT_EQ(allocations.count(), 0U);
-}
-
-TEST(SharedMemoryLayout, copiesAreNeverTornWhileAnotherProcessPublishes) {
-    // Constructing a lock releases it, so nobody may be inside while the other side attaches.
-    LargeLayout layout("LargeState", 1);
-    ChildProcess child(roleCommand("publisher"));
-    ASSERT_TRUE(child.waitForOutput("attached"));
-    LargeRecord record = {};
-    int changes = 0;
-    unsigned char previous = 0;
-    EXPECT_TRUE(eventually([&] {
-        for (int reading = 0; reading < 1000; ++reading) {
-            if (layout.read(record)) {
-                EXPECT_FALSE(isTorn(record));
-                changes += record.bytes[0] != previous ? 1 : 0;
-                previous = record.bytes[0];
-            }
-        }
-        return changes >= 100 || testing::Test::HasFailure();
-    }));
-}
-
-TEST(SharedMemoryLayout, aReplacementAttachedFirstKeepsTheRecord) {
-    auto layout = std::make_unique<Segment>(name, 1);
-    layout->publish(sample);
-    auto replacement = std::make_unique<Segment>(name, 1);
-    EXPECT_EQ(RawSegment(name).word(0), 2U);
-    layout = std::move(replacement);
-    EXPECT_EQ(RawSegment(name).word(0), 1U);
-    Bytes record;
-    EXPECT_TRUE(read(*layout, record));
-    EXPECT_EQ(record, bytesOf(sample));
-}
-
-TEST(SharedMemoryLayout, passesOnWhatMapThrows) {
-    using RecordingLayout = SharedMemoryLayout<Record, RecordingProvider>;
-    RecordingProvider::failsNext() = true;
-    EXPECT_THROW(RecordingLayout(RecordingProvider::segmentName, 1), std::runtime_error);
 }
 
 TEST(SharedMemoryLayout, theVersionComesFirstInTheObjectAndThenTheAccessor) {
@@ -292,7 +184,7 @@ TEST(SharedMemoryLayout, theVersionComesFirstInTheObjectAndThenTheAccessor) {
     EXPECT_EQ(accessor, reinterpret_cast<unsigned char*>(&layout) + 2 * sizeof(void*));
 }
 
-TEST(SharedMemoryLayout, slotZeroDestroysSlotOneFreesAndSlotTwoComparesVersions) {
+TEST(SharedMemoryLayout, slotZeroDestroysSlotOneFreesSlotTwoComparesVersionsAndThereIsNoOther) {
     alignas(Segment) unsigned char storage[sizeof(Segment)];
     void* object = new (storage) Segment(name, 1);
     callVirtualSlot(object, 0);
@@ -302,9 +194,6 @@ TEST(SharedMemoryLayout, slotZeroDestroysSlotOneFreesAndSlotTwoComparesVersions)
     EXPECT_FALSE(segmentExists(name));
     EXPECT_EQ(virtualSlot(&Segment::isCompatibleVersion), 2U);
     EXPECT_EQ(virtualSlot(&CuriousLayout::isCompatibleVersion), 2U);
-}
-
-TEST(SharedMemoryLayout, hasNoFurtherVirtualOperation) {
     EXPECT_EQ(virtualSlot(&CuriousLayout::firstAdded), 3U);
 }
 

@@ -1,16 +1,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 
 #include "Vantric/ClientServer/SharedMemoryProvider.h"
-#include "tests/support/ProcessFacts.h"
-#include "tests/support/RawSegment.h"
-#include "tests/support/RawSemaphore.h"
-#include "tests/support/Roles.h"
+#include "tests/Vantric/ClientServer/WaitingOperation.h"
+#include "tests/support/SemaphoreCalls.h"
 
 namespace vantric_test {
 namespace {
@@ -24,7 +22,7 @@ constexpr const char* lockName = "TestSegmentProviderLock";
 constexpr uint32_t size = 61;
 constexpr std::size_t length = size + 4;
 
-// Leaves a segment with this attach count behind, its payload filled with 0xA5.
+// Leaves a segment with this attach count, its payload filled with 0xA5.
 void leaveSegment(uint32_t attachCount, std::size_t objectLength = length) {
     RawSegment segment(name, objectLength);
     segment.write(0, Bytes(objectLength, 0xA5));
@@ -38,45 +36,18 @@ Bytes image(uint32_t attachCount, unsigned char filling, std::size_t payloadSize
     return bytes;
 }
 
-// Attaches and dies without detaching. arguments: none
-const RoleRegistration deserter("deserter", [](const std::vector<std::string>&) {
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    std::_Exit(0);
-    return 0;
-});
-
 TEST(SharedMemoryProvider, touchesNothingBeforeTheFirstMap) {
     SharedMemoryProvider provider;
     EXPECT_TRUE(std::filesystem::is_empty("/dev/shm"));
 }
 
-TEST(SharedMemoryProvider, createsAMissingObjectWithCountOneAndAZeroPayload) {
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0));
-}
-
-TEST(SharedMemoryProvider, returnsTheAlignedPayloadBehindTheCount) {
+TEST(SharedMemoryProvider, createsAMissingObjectAndReturnsTheAlignedPayloadAfterTheCount) {
     SharedMemoryProvider provider;
     void* payload = provider.map(size, name);
+    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0));
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(payload) % 4, 0U);
     std::memset(payload, 0x5A, size);
     EXPECT_EQ(RawSegment(name).bytes(), image(1, 0x5A));
-}
-
-TEST(SharedMemoryProvider, theFirstToAttachZeroesAnEarlierPayload) {
-    leaveSegment(0);
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0));
-}
-
-TEST(SharedMemoryProvider, laterAttachmentsLeaveThePayloadUntouched) {
-    leaveSegment(2);
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).bytes(), image(3, 0xA5));
 }
 
 TEST(SharedMemoryProvider, removesTheObjectWhenTheLastUserDetaches) {
@@ -87,12 +58,12 @@ TEST(SharedMemoryProvider, removesTheObjectWhenTheLastUserDetaches) {
     EXPECT_FALSE(segmentExists(name));
 }
 
-TEST(SharedMemoryProvider, keepsTheObjectWhileOthersAreAttached) {
+TEST(SharedMemoryProvider, keepsObjectAndPayloadWhileOthersAreAttached) {
     leaveSegment(2);
     {
         SharedMemoryProvider provider;
         provider.map(size, name);
-        ASSERT_EQ(RawSegment(name).word(0), 3U);
+        EXPECT_EQ(RawSegment(name).bytes(), image(3, 0xA5));
     }
     EXPECT_EQ(RawSegment(name).bytes(), image(2, 0xA5));
 }
@@ -107,73 +78,18 @@ TEST(SharedMemoryProvider, removesTheObjectWhenAThirdPartyForcedTheCountToZero) 
     EXPECT_EQ(segment.word(0), 0U);
 }
 
-TEST(SharedMemoryProvider, detachingLeavesThePayloadUntouched) {
-    auto provider = std::make_unique<SharedMemoryProvider>();
-    std::memset(provider->map(size, name), 0x5A, size);
-    const RawSegment segment(name);
-    provider.reset();
-    EXPECT_EQ(segment.bytes(), image(0, 0x5A));
-}
-
-TEST(SharedMemoryProvider, theProviderLockOutlivesTheObject) {
-    {
-        SharedMemoryProvider provider;
-        provider.map(size, name);
+TEST(SharedMemoryProvider, anExistingObjectGetsTheSizeAskedFor) {
+    for (const std::size_t earlier : {std::size_t{20}, std::size_t{9000}}) {
+        leaveSegment(1, earlier);
+        {
+            SharedMemoryProvider provider;
+            provider.map(size, name);
+            Bytes expected = image(2, 0xA5, std::min(earlier, length) - 4);
+            expected.resize(length, 0);
+            EXPECT_EQ(RawSegment(name).bytes(), expected);
+        }
+        std::filesystem::remove(segmentPath(name));
     }
-    EXPECT_FALSE(segmentExists(name));
-    EXPECT_EQ(semaphoreValue(lockName), 1);
-}
-
-TEST(SharedMemoryProvider, theCountOfAProcessThatDiedStaysAndKeepsObjectAndPayload) {
-    const Result result = run(roleCommand("deserter"));
-    ASSERT_TRUE(result.status.has_value());
-    ASSERT_EQ(result.status->raw, 0);
-    {
-        SharedMemoryProvider provider;
-        std::memset(provider.map(size, name), 0x5A, size);
-        EXPECT_EQ(RawSegment(name).word(0), 2U);
-    }
-    {
-        SharedMemoryProvider provider;
-        provider.map(size, name);
-        EXPECT_EQ(RawSegment(name).bytes(), image(2, 0x5A));
-    }
-    EXPECT_EQ(RawSegment(name).word(0), 1U);
-}
-
-TEST(SharedMemoryProvider, aReplacementAttachedFirstKeepsObjectAndPayload) {
-    auto provider = std::make_unique<SharedMemoryProvider>();
-    std::memset(provider->map(size, name), 0x5A, size);
-    auto replacement = std::make_unique<SharedMemoryProvider>();
-    replacement->map(size, name);
-    EXPECT_EQ(RawSegment(name).word(0), 2U);
-    provider.reset();
-    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0x5A));
-}
-
-TEST(SharedMemoryProvider, anExistingObjectGrowsToTheSizeAskedFor) {
-    leaveSegment(1, 20);
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    Bytes expected = image(2, 0xA5, 16);
-    expected.resize(length, 0);
-    EXPECT_EQ(RawSegment(name).bytes(), expected);
-}
-
-TEST(SharedMemoryProvider, anExistingObjectShrinksToTheSizeAskedFor) {
-    leaveSegment(1, 9000);
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).bytes(), image(2, 0xA5));
-}
-
-TEST(SharedMemoryProvider, anEmptyPayloadIsOnlyACount) {
-    {
-        SharedMemoryProvider provider;
-        EXPECT_NE(provider.map(0, name), nullptr);
-        EXPECT_EQ(RawSegment(name).bytes(), image(1, 0, 0));
-    }
-    EXPECT_FALSE(segmentExists(name));
 }
 
 TEST(SharedMemoryProvider, onlyTheOwnerMayOpenTheObject) {
@@ -211,30 +127,6 @@ TEST(SharedMemoryProvider, destructionUndoesTheMappingAndClosesTheLock) {
     EXPECT_FALSE(isMapped(semaphore));
 }
 
-TEST(SharedMemoryProvider, twoMapsOfOneNameCountTwiceAndShareOneLock) {
-    auto provider = std::make_unique<SharedMemoryProvider>();
-    void* first = provider->map(size, name);
-    std::memset(first, 0x5A, size);
-    void* second = provider->map(size, name);
-    EXPECT_NE(first, second);
-    EXPECT_EQ(std::memcmp(first, second, size), 0);
-    const RawSegment segment(name);
-    EXPECT_EQ(segment.bytes(), image(2, 0x5A));
-    EXPECT_EQ(semaphoreValue(lockName), 1);
-    provider.reset();
-    EXPECT_EQ(segment.word(0), 0U);
-    EXPECT_FALSE(segmentExists(name));
-}
-
-TEST(SharedMemoryProvider, aSecondMapStillReleasesALockFoundHeld) {
-    SharedMemoryProvider provider;
-    provider.map(size, name);
-    ASSERT_TRUE(RawSemaphore(lockName).tryTake());
-    provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).word(0), 2U);
-    EXPECT_EQ(semaphoreValue(lockName), 1);
-}
-
 TEST(SharedMemoryProvider, oneProviderMapsSeveralSegments) {
     auto provider = std::make_unique<SharedMemoryProvider>();
     std::memset(provider->map(size, "FirstSegment"), 1, size);
@@ -246,32 +138,34 @@ TEST(SharedMemoryProvider, oneProviderMapsSeveralSegments) {
     EXPECT_FALSE(segmentExists("SecondSegment"));
 }
 
+TEST(SharedMemoryProvider, countsItselfUnderTheProviderLockAndZeroesThePayloadAfterIt) {
+    leaveSegment(0);
+    const RawSegment segment(name);
+    Bytes whenTaken;
+    Bytes whenReleased;
+    observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
+        if (moment == SemaphoreMoment::Taken) {
+            whenTaken = segment.bytes();
+        } else if (moment == SemaphoreMoment::AboutToPost) {
+            whenReleased = segment.bytes();
+        }
+    });
+    SharedMemoryProvider provider;
+    provider.map(size, name);
+    observeSemaphoreCalls(nullptr);
+    EXPECT_EQ(whenTaken, image(0, 0xA5));
+    EXPECT_EQ(whenReleased, image(1, 0xA5));
+    EXPECT_EQ(segment.bytes(), image(1, 0));
+}
+
 TEST(SharedMemoryProvider, detachesUnderTheProviderLock) {
     auto provider = std::make_unique<SharedMemoryProvider>();
     provider->map(size, name);
-    const RawSegment segment(name);
-    RawSemaphore semaphore(lockName);
-    ASSERT_TRUE(semaphore.tryTake());
-    const BackgroundAction detachment([&] { provider.reset(); });
-    EXPECT_TRUE(detachment.blocks());
-    EXPECT_EQ(segment.word(0), 1U);
-    EXPECT_TRUE(segmentExists(name));
-    semaphore.post();
-    EXPECT_TRUE(detachment.ends());
-    EXPECT_EQ(segment.word(0), 0U);
-    EXPECT_EQ(semaphore.value(), 1);
-}
-
-TEST(SharedMemoryProvider, theLastToDetachRemovesTheNameWhicheverObjectBearsItThen) {
-    auto provider = std::make_unique<SharedMemoryProvider>();
-    provider->map(size, name);
-    std::filesystem::remove(segmentPath(name));
-    leaveSegment(7);
-    provider.reset();
+    expectToWaitFor(lockName, name, [&] { provider.reset(); });
     EXPECT_FALSE(segmentExists(name));
 }
 
-TEST(SharedMemoryProvider, anEndlessCountWrapsWithoutHarm) {
+TEST(SharedMemoryProvider, theHighestCountWrapsWithoutHarm) {
     leaveSegment(UINT32_MAX);
     {
         SharedMemoryProvider provider;

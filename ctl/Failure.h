@@ -1,0 +1,40 @@
+// The exit statuses, and the exceptions that end a command early.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace vantricctl {
+
+enum ExitStatus : int {
+    statusDone = 0,
+    statusFailed = 1,
+    statusWrongUse = 2,
+    statusNoServer = 3,
+    statusUnusableState = 4,  // stale or of another version
+    statusTimeOver = 5,
+    statusSignal = 128,  // plus the signal's number
+};
+
+// Ends the program with `status` after one sentence on standard error. The sentence must be safe
+// for a terminal: pass bytes of others through shown().
+class Failure : public std::runtime_error {
+  public:
+    Failure(ExitStatus status, const std::string& sentence)
+        : std::runtime_error(sentence), status_(status) {}
+
+    ExitStatus status() const { return status_; }
+
+  private:
+    ExitStatus status_;
+};
+
+// SIGINT or SIGTERM arrived.
+struct Interrupted {
+    int signal;
+};
+
+// Standard output is a pipe without a reader.
+struct OutputClosed {};
+
+}  // namespace vantricctl
