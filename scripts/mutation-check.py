@@ -135,15 +135,24 @@ def count_by_kind(name, fault, kinds):
         path.write_text(original)
 
 
+def read_table(path):
+    """The counts of an earlier run, by fault."""
+    rows = [[cell.strip() for cell in line.split("|")[1:-1]] for line in path.read_text().splitlines()]
+    return {
+        name: None if "compiler" in cells else {kind: int(cell) for kind, cell in zip(rows[0][1:], cells) if cell}
+        for name, *cells in rows[2:] if not name.startswith("**")
+    }
+
+
 def as_table(results, kinds):
     columns = sorted(set(kinds.values()) - set(NOT_RUN.split("|")))
     lines = ["| fault | " + " | ".join(columns) + " |", "|---|" + "---:|" * len(columns)]
     for name, counts in results.items():
-        cells = [str(counts[column] or "") for column in columns] if counts is not None else ["compiler"] * len(columns)
+        cells = ["compiler" if counts is None else str(counts.get(column, "")) for column in columns]
         lines.append(f"| {name} | " + " | ".join(cells) + " |")
     judged = [counts for counts in results.values() if counts is not None]
-    noticed = [str(sum(1 for counts in judged if counts[column])) for column in columns]
-    alone = [str(sum(1 for counts in judged if set(+counts) == {column})) for column in columns]
+    noticed = [str(sum(1 for counts in judged if column in counts)) for column in columns]
+    alone = [str(sum(1 for counts in judged if set(counts) == {column})) for column in columns]
     lines.append(f"| **noticed, of {len(results)}** | " + " | ".join(noticed) + " |")
     lines.append("| **noticed by this kind only** | " + " | ".join(alone) + " |")
     return "\n".join(lines) + "\n"
@@ -152,7 +161,7 @@ def as_table(results, kinds):
 def parse_arguments(names):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("fault", nargs="*", help="entries of the list to plant (default: all)")
-    parser.add_argument("--table", type=Path, help="write how many tests of each kind notice each fault to this file")
+    parser.add_argument("--table", type=Path, help="renew the rows of these faults in this file: how many tests of each kind notice each")
     arguments = parser.parse_args()
     unknown = set(arguments.fault) - set(names)
     if unknown:
@@ -185,7 +194,7 @@ def main():
     prepare(faults)
     kinds = kinds_of_tests()
 
-    results = {}
+    results = read_table(arguments.table) if arguments.table and arguments.table.exists() else {}
     failures = []
     chosen = arguments.fault or list(faults)
     for number, name in enumerate(chosen, 1):
@@ -201,9 +210,9 @@ def main():
         print(f"{number}/{len(chosen)} {name}: {verdict} [{time.monotonic() - start:.0f} s]", flush=True)
         if counts is None or bool(counts) == (reason is not None):
             failures.append(name)
+        if arguments.table:
+            arguments.table.write_text(as_table({name: results[name] for name in faults if name in results}, kinds))
 
-    if arguments.table:
-        arguments.table.write_text(as_table(results, kinds))
     print(f"{len(chosen)} faults, {len(failures)} not as the list says: {', '.join(failures) or 'none'}")
     return 1 if failures else 0
 
