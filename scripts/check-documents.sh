@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Checks what the documents claim: every path that a Markdown file names exists, every relative link
-# has a target, README.md's C and C++ stand in examples/ and its table has every option of
-# CMake, a document explains every command of scripts/, and each of these prints its leading comment
-# for --help.
+# Checks what the documents claim: every path that a Markdown file names exists, every relative link has
+# a target, README.md's C and C++ stand in examples/ and its tables have every option of CMake and the
+# oldest C library that the program for a device works with, a document explains every command of
+# scripts/, and each of these prints its leading comment for --help.
 #
 # Usage: scripts/check-documents.sh
 #
@@ -82,6 +82,15 @@ check_options() {
     done
 }
 
+# The C library that the program for older devices needs is a budget of scripts/size-check.sh.
+check_needed_c_library() {
+    local version
+    version=$(awk '/^armhf-release vantricprobe / { print $4 }' packaging/size-budget.txt)
+    checked=$((checked + 1))
+    grep -F 'build/armhf-release/' README.md | grep -qF "glibc $version or later" ||
+        complain "README.md does not say that armhf-release needs glibc $version or later."
+}
+
 # Calls the command through a link in another folder, where a relative path to it would be wrong.
 check_command() {
     local command=$1 promised printed
@@ -101,6 +110,7 @@ for document in $(grep -E '\.md$' <<< "$files" | grep -vx CHANGELOG.md); do
 done
 check_excerpts
 check_options
+check_needed_c_library
 links=$(mktemp -d)
 trap 'rm -r "$links"' EXIT
 commands=0
