@@ -32,18 +32,18 @@ std::string joined(const std::string& directory, const std::string& name) {
     return directory.back() == '/' ? directory + name : directory + '/' + name;
 }
 
-// The local time in asctime()'s form, its newline included; empty for a year that cannot be shown.
-// localtime() and asctime() share static storage: the mutex of all formatting sinks guards it.
-const char* stampOf(std::time_t time) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): see above
-    const std::tm* local = std::localtime(&time);
-    if (local == nullptr) {
-        return "";
+// What asctime_r() needs.
+constexpr std::size_t stampSize = 26;
+
+// The local time in asctime()'s form, its newline included; empty for a year beyond 9999.
+// What localtime() and asctime() return belongs to the program, so neither is called.
+void showTime(std::time_t time, char (&stamp)[stampSize]) {
+    std::tm local = {};
+    tzset();  // localtime_r() need not notice another zone
+    // cppcheck-suppress asctime_rCalled ; its text, newline included, is the line format
+    if (localtime_r(&time, &local) == nullptr || asctime_r(&local, stamp) == nullptr) {
+        stamp[0] = '\0';
     }
-    // cppcheck-suppress asctimeCalled ; its text, newline included, is the line format
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): see above
-    const char* stamp = std::asctime(local);
-    return stamp != nullptr ? stamp : "";
 }
 
 // Adds a sink with a back-end of its own. Both live until the process ends, so there are no owners
@@ -63,13 +63,13 @@ void addFormattingSink(std::vector<ISink*>& sinks, Formatter formatter,
 // environment makes another stamp at once.
 class StampCache {
   public:
-    const std::string& now() {
+    const char* now() {
         const std::time_t time = std::time(nullptr);
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): as with localtime(), which reads it too
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): as with tzset(), which reads it too
         const char* zone = std::getenv("TZ");
         const bool isSameZone = zone != nullptr ? hasZone_ && zone_ == zone : !hasZone_;
         if (time != time_ || !isSameZone) {
-            stamp_ = stampOf(time);
+            showTime(time, stamp_);
             zone_ = zone != nullptr ? zone : "";
             hasZone_ = zone != nullptr;
             time_ = time;
@@ -81,7 +81,7 @@ class StampCache {
     std::optional<std::time_t> time_;
     bool hasZone_ = false;
     std::string zone_;
-    std::string stamp_;
+    char stamp_[stampSize] = "";
 };
 
 }  // namespace

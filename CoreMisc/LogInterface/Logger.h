@@ -43,9 +43,9 @@ using Formatter = const char* (*)(const char* levelName, const char* text);
 
 /// The formatter used throughout: "[" + local time + "] <" + level name + ">: " + text. The time
 /// comes from asctime() and keeps its newline, so a line is printed as two. It is made once a
-/// second: a changed TZ shows in the next line, a replaced /etc/localtime within a second. Not
-/// thread-safe: the line is built in one process-wide string, and the static storage of localtime()
-/// and asctime() is overwritten. Sinks call it under a mutex that they share; do not call it while
+/// second: a changed TZ shows in the next line, a replaced /etc/localtime within a second. What the
+/// program got from localtime() or asctime() stays as it is. Not thread-safe: the line is built in
+/// one process-wide string. Sinks call it under a mutex that they share; do not call it while
 /// another thread may log. Setting TZ with setenv() at that time is not safe either. Throws
 /// std::length_error or std::bad_alloc when the line cannot be built.
 VANTRIC_EXPORT const char* FormatLine(const char* levelName, const char* text);

@@ -7,7 +7,10 @@
 namespace com_qel::Korvel::LogInterface {
 
 RollingTextFileBackEnd::RollingTextFileBackEnd(const std::string& path, uint32_t limit)
-    : file_(std::make_unique<LineFile>(path)), limit_(static_cast<int32_t>(limit)), path_(path) {}
+    : file_(std::make_unique<LineFile>(path)),
+      limit_(static_cast<int32_t>(limit)),
+      path_(path),
+      oldPath_(path + ".old") {}
 
 RollingTextFileBackEnd::~RollingTextFileBackEnd() = default;
 
@@ -24,10 +27,9 @@ bool RollingTextFileBackEnd::MustRoll() {
 }
 
 void RollingTextFileBackEnd::Roll() {
-    const std::string oldPath = path_ + ".old";
     file_->close();
-    std::remove(oldPath.c_str());
-    std::rename(path_.c_str(), oldPath.c_str());
+    std::remove(oldPath_.c_str());
+    std::rename(path_.c_str(), oldPath_.c_str());
     file_->open(path_);
 }
 

@@ -34,7 +34,7 @@ class VANTRIC_EXPORT RollingTextFileBackEnd final : public IBackEnd {
     RollingTextFileBackEnd(const std::string& path, uint32_t limit);
     ~RollingTextFileBackEnd();
 
-    /// Flushes each line.
+    /// Flushes each line. Allocates nothing, so it never throws.
     void Write(const char* line) override;
 
   private:
@@ -44,6 +44,7 @@ class VANTRIC_EXPORT RollingTextFileBackEnd final : public IBackEnd {
     std::unique_ptr<LineFile> file_;
     int32_t limit_;  ///< bytes
     std::string path_;
+    std::string oldPath_;  ///< made in advance: a roll must not run out of memory
 };
 
 }  // namespace com_qel::Korvel::LogInterface

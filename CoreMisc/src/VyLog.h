@@ -13,9 +13,10 @@
 /// any number of threads may have records of their own, the first one of the process included. The
 /// switches (trace mask, file and line, colours) are unsynchronised: set them before starting
 /// threads. A thread must not be cancelled while it writes a record: that ends the process. Code
-/// that runs while a record is written, such as a replaced operator new, must not log: its record
-/// would wait forever. Fork-safety: a child that a process with threads has forked must not log
-/// before it executes a program: another thread may have held a lock of the log.
+/// that runs while a record is written, such as a replaced operator new or a signal handler, must
+/// not log: its record would wait forever. Fork-safety: a child that a process with threads has
+/// forked must not log before it executes a program: another thread may have held a lock of the
+/// log.
 #pragma once
 
 #include <cstdint>

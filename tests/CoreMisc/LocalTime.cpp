@@ -10,7 +10,6 @@ namespace {
 void setZone(const char* zone) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
     zone == nullptr ? unsetenv("TZ") : setenv("TZ", zone, 1);
-    tzset();
 }
 
 }  // namespace
@@ -18,6 +17,7 @@ void setZone(const char* zone) {
 std::string localTimeNow() {
     const std::time_t now = std::time(nullptr);
     std::tm local = {};
+    tzset();
     localtime_r(&now, &local);
     char text[64];
     return {text, std::strftime(text, sizeof(text), "%a %b %e %H:%M:%S %Y\n", &local)};

@@ -9,8 +9,8 @@ namespace vantric_test {
 // The fixed 24-character form with its newline.
 std::string localTimeNow();
 
-// Puts the process into another time zone for as long as it lives; null takes TZ out of the
-// environment.
+// For as long as it lives, the environment has another time zone, of which the C library is not
+// told; null takes TZ out of it.
 class TimeZone {
   public:
     explicit TimeZone(const char* zone);

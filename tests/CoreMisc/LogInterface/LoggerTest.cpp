@@ -79,8 +79,23 @@ TEST(Logger, stampsLinesInANewTimeZoneWithinTheSameSecond) {
     for (const char* zone :
          {"EAST-5", "WEST5", static_cast<const char*>(nullptr), "EAST-5:30", ""}) {
         const TimeZone changed(zone);
-        EXPECT_EQ(FormatLine("error", "text"), expectedLine());
+        const std::string line = FormatLine("error", "text");
+        EXPECT_EQ(line, expectedLine());
     }
+}
+
+TEST(Logger, leavesAloneWhatTheProgramGotFromLocaltimeAndAsctime) {
+    const WallClockAt clock(noonInJune);
+    std::time_t start = 0;
+    // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread
+    const std::tm* local = std::localtime(&start);
+    const std::tm expected = *local;
+    const char* text = std::asctime(local);
+    // NOLINTEND(concurrency-mt-unsafe)
+    const std::string expectedText = text;
+    FormatLine("error", "text");
+    EXPECT_EQ(local->tm_year, expected.tm_year);
+    EXPECT_EQ(text, expectedText);
 }
 
 TEST(Logger, leavesOutTheStampOfAYearThatCannotBeShown) {

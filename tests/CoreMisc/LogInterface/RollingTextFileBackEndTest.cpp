@@ -4,6 +4,7 @@
 
 #include "CoreMisc/LogInterface/RollingTextFileBackEnd.h"
 #include "tests/CoreMisc/LogTestSupport.h"
+#include "tests/support/Allocations.h"
 
 using com_qel::Korvel::LogInterface::RollingTextFileBackEnd;
 using namespace vantric_test;
@@ -69,6 +70,17 @@ TEST(RollingTextFileBackEnd, keepsTheLastLineAndTheOneBeforeWithALimitOfZero) {
     write(backEnd, {"two", "three"});
     expectFiles(folder, "three\n", "two\n");
     EXPECT_EQ(namesIn(folder.path()), (Names{"log", "log.old"}));
+}
+
+TEST(RollingTextFileBackEnd, rollsWithoutMemory) {
+    const TemporaryFolder folder;
+    RollingTextFileBackEnd backEnd(folder / "log", 0);
+    backEnd.Write("one");
+    {
+        const Allocations noMemory(1);
+        EXPECT_NO_THROW(backEnd.Write("two"));
+    }
+    expectFiles(folder, "two\n", "one\n");
 }
 
 TEST(RollingTextFileBackEnd, rollsEvenAnEmptyFileWithANegativeLimit) {
