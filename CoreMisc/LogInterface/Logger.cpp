@@ -40,7 +40,6 @@ constexpr std::size_t stampSize = 26;
 void showTime(std::time_t time, char (&stamp)[stampSize]) {
     std::tm local = {};
     tzset();  // localtime_r() need not notice another zone
-    // cppcheck-suppress asctime_rCalled ; its text, newline included, is the line format
     if (localtime_r(&time, &local) == nullptr || asctime_r(&local, stamp) == nullptr) {
         stamp[0] = '\0';
     }

@@ -99,7 +99,7 @@ class VANTRIC_EXPORT VyLog {
     static void Init();
 
     /// Writes the wall clock as seconds in a field of 12, ".", and microseconds left-adjusted in a
-    /// field of 8. The stream stays left-adjusted.
+    /// field of 8. The stream stays left-adjusted, decimal and filled with blanks.
     static void AppendTimestamp(VyLog& record);
 
   private:
