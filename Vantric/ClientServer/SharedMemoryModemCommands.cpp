@@ -13,7 +13,7 @@ namespace com_qel::Orvane::Vantric::ClientServer {
 
 namespace {
 
-constexpr const char* sourceFile = "Vantric/ClientServer/SharedMemoryModemCommands";
+constexpr const char* channelSourceFile = "Vantric/ClientServer/SharedMemoryModemCommands";
 
 // These two lines are part of their records' contract.
 constexpr int missingBufferLine = 87;
@@ -85,7 +85,7 @@ bool SharedMemoryModemCommands::dequeue(uint32_t& command, void* buffer, uint32_
     }
     const auto signedCommand = static_cast<int32_t>(header.command);
     if (buffer == nullptr || size == nullptr) {
-        VyLog(VyLog::Error, sourceFile, missingBufferLine, 0)
+        VyLog(VyLog::Error, channelSourceFile, missingBufferLine, 0)
             .append("Dequeue command received command with payload but no buffer to transfer it. ")
             .append("Command: <")
             .append(signedCommand)
@@ -93,7 +93,7 @@ bool SharedMemoryModemCommands::dequeue(uint32_t& command, void* buffer, uint32_
         return false;
     }
     if (header.payloadSize > *size) {
-        VyLog(VyLog::Error, sourceFile, insufficientBufferLine, 0)
+        VyLog(VyLog::Error, channelSourceFile, insufficientBufferLine, 0)
             .append("Dequeue command insufficient payload buffer. Command: <")
             .append(signedCommand)
             .append(">, Received size: <")

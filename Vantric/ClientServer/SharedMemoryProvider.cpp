@@ -19,15 +19,7 @@
 
 namespace com_qel::Orvane::Vantric::ClientServer {
 
-namespace {
-
-constexpr uint32_t attachCountSize = sizeof(uint32_t);
-constexpr mode_t ownerReadsAndWrites = 0600;
-
-// What a mapping can reach: on a 32-bit system half of what its size can say.
-constexpr uint32_t longestObject = static_cast<uint32_t>(
-    std::min<uint64_t>(std::numeric_limits<uint32_t>::max(), std::numeric_limits<off_t>::max()));
-
+// Named, so that a member of the class below can have these types in a unity build as well.
 struct Unmapper {
     uint32_t length = 0;  // bytes, the attach count included
     void operator()(void* address) const { munmap(address, length); }
@@ -40,6 +32,15 @@ struct MappedSegment {
     int descriptor;
     std::string name;
 };
+
+namespace {
+
+constexpr uint32_t attachCountSize = sizeof(uint32_t);
+constexpr mode_t ownerReadsAndWrites = 0600;
+
+// What a mapping can reach: on a 32-bit system half of what its size can say.
+constexpr uint32_t longestObject = static_cast<uint32_t>(
+    std::min<uint64_t>(std::numeric_limits<uint32_t>::max(), std::numeric_limits<off_t>::max()));
 
 [[noreturn]] void throwSystemError(const char* prefix, int error) {
     throw std::runtime_error(prefix + std::generic_category().message(error));

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using Calls = std::vector<std::string>;
 
-constexpr uint32_t patience = 30;  // seconds; far more than any answer here takes
+constexpr uint32_t blockingPatience = 30;  // seconds; far more than any answer here takes
 constexpr const char* source = "ModemClientC";
 
 // The lengths of time that a call may take.
@@ -84,7 +84,7 @@ std::string failureToForgetOf(const std::string& operation) {
 }  // namespace
 
 TEST_F(ModemClientCBlocking, forgetsByANetworkWithoutEncryptionAndThePasswordZero) {
-    EXPECT_TRUE(forget(patience));
+    EXPECT_TRUE(forget(blockingPatience));
     EXPECT_EQ(client.calls, (Calls{"set password 0,0", "read password"}));
 }
 
@@ -110,7 +110,7 @@ TEST_F(ModemClientCBlocking, countsItsTimeFromWhenTheCommandToForgetIsSent) {
 
 TEST_F(ModemClientCBlocking, failsAtOnceWhenTheCommandToForgetCannotBeSent) {
     client.sends = false;
-    EXPECT_FALSE(forget(patience));
+    EXPECT_FALSE(forget(blockingPatience));
     EXPECT_EQ(client.calls, (Calls{"set password 0,0"}));
 }
 
@@ -120,14 +120,14 @@ TEST_F(ModemClientCBlocking, repeatsAFailedReadOfThePasswordWithoutSleeping) {
     client.readPassword = [&]() -> std::optional<std::string> {
         return failures-- == 0 ? std::optional("") : std::nullopt;
     };
-    EXPECT_TRUE(forget(patience));
+    EXPECT_TRUE(forget(blockingPatience));
     EXPECT_EQ(failures, -1);
 }
 
 TEST_F(ModemClientCBlocking, sleepsBetweenReadsThatShowANetwork) {
     int reads = 0;
     client.readPassword = [&] { return ++reads < 4 ? "secret" : ""; };
-    expectToTake(150ms, 5s, [&] { EXPECT_TRUE(forget(patience)); });
+    expectToTake(150ms, 5s, [&] { EXPECT_TRUE(forget(blockingPatience)); });
     EXPECT_EQ(reads, 4);
 }
 
@@ -135,7 +135,7 @@ TEST_F(ModemClientCBlocking, connectsOnceTheStateIsNeitherTheOldOneNorNotAvailab
     std::vector<std::string> states = {"OLD", "OLD", "N/A", "NEW"};
     std::size_t next = 0;
     client.readState = [&] { return states.at(next++); };
-    EXPECT_TRUE(connectPlainly(handle, patience));
+    EXPECT_TRUE(connectPlainly(handle, blockingPatience));
     EXPECT_EQ(client.calls, (Calls{"set password 0,0", "read password", "read state",
                                    "connect home,2,pw", "read state", "read state", "read state"}));
 }
@@ -148,7 +148,7 @@ TEST_F(ModemClientCBlocking, doesNotAskForAConnectionWithoutForgettingTheOldOne)
 
 TEST_F(ModemClientCBlocking, requestsTheConnectionEvenWhenTheOldStateCannotBeRead) {
     client.readState = [] { return std::nullopt; };
-    EXPECT_FALSE(connectWithRadius(handle, patience));
+    EXPECT_FALSE(connectWithRadius(handle, blockingPatience));
     EXPECT_EQ(client.calls,
               (Calls{"set password 0,0", "read password", "read state", "connect home,4,user,pw"}));
 }
@@ -158,7 +158,7 @@ TEST_F(ModemClientCBlocking, doesNotWaitForAConnectionItCouldNotRequest) {
         client.sends = false;
         return "";
     };
-    EXPECT_FALSE(connectPlainly(handle, patience));
+    EXPECT_FALSE(connectPlainly(handle, blockingPatience));
     EXPECT_EQ(client.calls,
               (Calls{"set password 0,0", "read password", "read state", "connect home,2,pw"}));
 }
@@ -169,7 +169,7 @@ TEST_F(ModemClientCBlocking, sleepsAfterAFailedReadOfTheNewState) {
         ++reads;
         return reads == 1 ? std::optional("OLD") : reads == 5 ? std::optional("NEW") : std::nullopt;
     };
-    expectToTake(150ms, 5s, [&] { EXPECT_TRUE(connectPlainly(handle, patience)); });
+    expectToTake(150ms, 5s, [&] { EXPECT_TRUE(connectPlainly(handle, blockingPatience)); });
     EXPECT_EQ(reads, 5);
 }
 

@@ -19,7 +19,7 @@ namespace {
 
 using namespace vantric_test;
 
-constexpr uint32_t patience = 30;  // seconds; far more than any answer here takes
+constexpr uint32_t answerPatience = 30;  // seconds; far more than any answer here takes
 
 class ModemClientC : public testing::Test {
   protected:
@@ -54,11 +54,13 @@ class ModemClientC : public testing::Test {
         EXPECT_FALSE(modemClientSetWifiSSID(other, "x"));
         EXPECT_FALSE(modemClientSetWifiConnection(other, "x", 1, "y"));
         EXPECT_FALSE(modemClientSetWifiConnectionRadius(other, "x", 4, "y", "z"));
-        EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(other, &network, &count, patience));
-        EXPECT_FALSE(modemClientGetModemStatusBlocking(other, &status, patience));
-        EXPECT_FALSE(modemClientForgetWifiBlocking(other, patience));
-        EXPECT_FALSE(modemClientSetWifiConnectionBlocking(other, "x", 1, "y", patience));
-        EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(other, "x", 4, "y", "z", patience));
+        EXPECT_FALSE(
+            modemClientGetWifiAvailableListBlocking(other, &network, &count, answerPatience));
+        EXPECT_FALSE(modemClientGetModemStatusBlocking(other, &status, answerPatience));
+        EXPECT_FALSE(modemClientForgetWifiBlocking(other, answerPatience));
+        EXPECT_FALSE(modemClientSetWifiConnectionBlocking(other, "x", 1, "y", answerPatience));
+        EXPECT_FALSE(
+            modemClientSetWifiConnectionRadiusBlocking(other, "x", 4, "y", "z", answerPatience));
         EXPECT_EQ(size, sizeof(buffer));
         EXPECT_EQ(count, 1U);
     }
@@ -127,11 +129,12 @@ TEST_F(ModemClientC, doesNothingWithAnyOtherNullArgument) {
     EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, nullptr, 4, "y", "z"));
     EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, "x", 4, nullptr, "z"));
     EXPECT_FALSE(modemClientSetWifiConnectionRadius(handle, "x", 4, "y", nullptr));
-    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, nullptr, &count, patience));
-    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, &network, nullptr, patience));
-    EXPECT_FALSE(modemClientGetModemStatusBlocking(handle, nullptr, patience));
-    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, nullptr, 1, "y", patience));
-    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, "x", 1, nullptr, patience));
+    EXPECT_FALSE(modemClientGetWifiAvailableListBlocking(handle, nullptr, &count, answerPatience));
+    EXPECT_FALSE(
+        modemClientGetWifiAvailableListBlocking(handle, &network, nullptr, answerPatience));
+    EXPECT_FALSE(modemClientGetModemStatusBlocking(handle, nullptr, answerPatience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, nullptr, 1, "y", answerPatience));
+    EXPECT_FALSE(modemClientSetWifiConnectionBlocking(handle, "x", 1, nullptr, answerPatience));
     EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, nullptr, 4, "y", "z", 30));
     EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, "x", 4, nullptr, "z", 30));
     EXPECT_FALSE(modemClientSetWifiConnectionRadiusBlocking(handle, "x", 4, "y", nullptr, 30));
@@ -188,7 +191,7 @@ TEST_F(ModemClientC, copiesTheStrongestNetworksThatTheArrayHolds) {
     std::memset(networks, 0x5a, sizeof(networks));
     const WifiInfo untouched = networks[2];
     uint32_t count = 2;
-    EXPECT_TRUE(modemClientGetWifiAvailableListBlocking(handle, networks, &count, patience));
+    EXPECT_TRUE(modemClientGetWifiAvailableListBlocking(handle, networks, &count, answerPatience));
     EXPECT_EQ(count, 2U);
     EXPECT_STREQ(networks[0].ssid, "network 1");
     EXPECT_EQ(networks[0].signalLevel, 50);
@@ -207,7 +210,7 @@ TEST_F(ModemClientC, failsWithoutANetworkOrRoomForIt) {
         answerWithNetworks(row.levels);
         WifiInfo networks[7] = {};
         uint32_t count = row.room;
-        EXPECT_EQ(modemClientGetWifiAvailableListBlocking(handle, networks, &count, patience),
+        EXPECT_EQ(modemClientGetWifiAvailableListBlocking(handle, networks, &count, answerPatience),
                   row.isCopied);
         EXPECT_EQ(count, row.count);
         EXPECT_EQ(networks[row.count].signalLevel, 0);
@@ -227,7 +230,7 @@ TEST_F(ModemClientC, returnsTheStatus) {
     server.extendedState.publish(someExtendedState(1));
     server.answer([this](const Frame&) { server.extendedState.publish(someExtendedState(2)); });
     ModemStatus status = {};
-    EXPECT_TRUE(modemClientGetModemStatusBlocking(handle, &status, patience));
+    EXPECT_TRUE(modemClientGetModemStatusBlocking(handle, &status, answerPatience));
     EXPECT_EQ(status.carrierSignalLevel, -71);
     EXPECT_STREQ(status.wifiEncryptionName, "WPA2 (PSK)");
     EXPECT_EQ(server.takeFrames(), (Frames{{11, ""}}));

@@ -15,7 +15,7 @@ namespace {
 using com_qel::Orvane::Vantric::ModemClient;
 using namespace vantric_test;
 
-constexpr int32_t lowest = std::numeric_limits<int32_t>::min();
+constexpr int32_t lowestType = std::numeric_limits<int32_t>::min();
 constexpr std::size_t largestPayload = 4088;
 
 class ModemClientCommands : public testing::Test {
@@ -40,7 +40,7 @@ const Row rows[] = {
     {[](ModemClient& client) { return client.setWifiSSID("my network"); }, {7, "my network"}},
     {[](ModemClient& client) { return client.setWifiPasswordAndEncryptionType(2, "abcdef"); },
      {8, "2,abcdef"}},
-    {[](ModemClient& client) { return client.setWifiPasswordAndEncryptionType(lowest, "pw"); },
+    {[](ModemClient& client) { return client.setWifiPasswordAndEncryptionType(lowestType, "pw"); },
      {8, "-2147483648,pw"}},
     {[](ModemClient& client) { return client.setConfig("/var/a, b/config.bin"); },
      {9, "/var/a, b/config.bin"}},
@@ -89,7 +89,7 @@ TEST_F(ModemClientCommands, askForNothingWhenNoConnectivityIsWanted) {
 }
 
 TEST_F(ModemClientCommands, refuseAnyOtherConnectivity) {
-    for (const int32_t type : {3, -1, lowest, std::numeric_limits<int32_t>::max()}) {
+    for (const int32_t type : {3, -1, lowestType, std::numeric_limits<int32_t>::max()}) {
         EXPECT_FALSE(client.setConnectivityType(type)) << type;
     }
     EXPECT_TRUE(server.takeFrames().empty());

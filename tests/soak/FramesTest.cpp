@@ -27,7 +27,7 @@ constexpr uint32_t enoughFrames = 1000;
 // The sequence numbers below 2^24 are in the command, which also names the producer.
 constexpr uint32_t producerFactor = 1U << 24U;
 
-struct Area {
+struct FramesArea {
     std::array<std::atomic<uint32_t>, producerCount> written;  // frames
     std::array<std::atomic<uint64_t>, producerCount> read;     // bytes
     std::array<std::atomic<uint32_t>, producerCount> arrived;  // frames
@@ -43,7 +43,7 @@ Payload payloadOf(uint32_t command) {
     return payload;
 }
 
-void produce(uint32_t producer, Workers& workers, Area& area) {
+void produce(uint32_t producer, Workers& workers, FramesArea& area) {
     SharedMemoryModemCommands channel(false);
     workers.attached();
     uint64_t writtenBytes = 0;
@@ -61,7 +61,7 @@ void produce(uint32_t producer, Workers& workers, Area& area) {
 }
 
 // Takes the ring's first frame, which must be its producer's next one; false for an empty ring.
-bool takeFrame(SharedMemoryModemCommands& channel, Area& area) {
+bool takeFrame(SharedMemoryModemCommands& channel, FramesArea& area) {
     Payload payload(bufferSize);
     uint32_t command = 0;
     uint32_t size = bufferSize;
@@ -80,7 +80,7 @@ bool takeFrame(SharedMemoryModemCommands& channel, Area& area) {
     return true;
 }
 
-void consume(Workers& workers, Area& area) {
+void consume(Workers& workers, FramesArea& area) {
     SharedMemoryModemCommands channel(true);
     workers.attached();
     bool isLastRound = false;
@@ -97,7 +97,7 @@ void consume(Workers& workers, Area& area) {
 
 TEST(Frames, ofSeveralProducersArriveWholeAndInOrder) {
     Workers workers;
-    const SharedArea<Area> area;
+    const SharedArea<FramesArea> area;
     workers.start([&] { consume(workers, *area); });
     for (uint32_t producer = 0; producer < producerCount; ++producer) {
         workers.start([&, producer] { produce(producer, workers, *area); });

@@ -25,11 +25,11 @@ using Clock = std::chrono::steady_clock;
 constexpr int fewestKills = 50;
 constexpr uint32_t longestLife = 2000;  // microseconds
 
-struct Area {
+struct VictimArea {
     std::atomic<bool> isConnected{false};
 };
 
-void connectForever(Area& area) {
+void connectForever(VictimArea& area) {
     while (true) {
         ModemClient client;
         require(client.connect(), "a client cannot connect");
@@ -37,7 +37,7 @@ void connectForever(Area& area) {
     }
 }
 
-void exchangeForever(Area& area) {
+void exchangeForever(VictimArea& area) {
     ModemClient client;
     require(client.connect(), "a client cannot connect");
     area.isConnected = true;
@@ -50,8 +50,8 @@ void exchangeForever(Area& area) {
 
 // Starts a client, kills it some time after its first connection, and calls `meanwhile` until then.
 template <class Meanwhile>
-void killOne(void (*behave)(Area& area), uint32_t round, Meanwhile meanwhile) {
-    const SharedArea<Area> area;
+void killOne(void (*behave)(VictimArea& area), uint32_t round, Meanwhile meanwhile) {
+    const SharedArea<VictimArea> area;
     const pid_t client = startProcess([&] { behave(*area); });
     EXPECT_TRUE(vantric_test::eventually([&] { return area->isConnected.load(); }));
     const auto end = Clock::now() + std::chrono::microseconds(mixed(round) % longestLife);
@@ -89,7 +89,8 @@ void expectExchangeWithFreshClient(PublishedServer& server, uint32_t round) {
 }
 
 template <class Meanwhile>
-void killAndStartAfresh(PublishedServer& server, void (*behave)(Area& area), Meanwhile meanwhile) {
+void killAndStartAfresh(PublishedServer& server, void (*behave)(VictimArea& area),
+                        Meanwhile meanwhile) {
     server.publishAt(vantric_test::secondsNow());
     const auto end = Clock::now() + workingTime();
     for (uint32_t round = 0; round < fewestKills || Clock::now() < end; ++round) {

@@ -22,7 +22,7 @@ constexpr uint32_t enoughRecords = 100;  // different ones, seen by each reader 
 
 using Counts = std::array<std::atomic<uint32_t>, readerCount>;
 
-struct Area {
+struct ReadsArea {
     Counts state;
     Counts extended;
     Counts list;
@@ -91,7 +91,7 @@ void publish(Workers& workers) {
     }
 }
 
-void readAll(uint32_t reader, Workers& workers, Area& area) {
+void readAll(uint32_t reader, Workers& workers, ReadsArea& area) {
     Reader<SharedMemoryModemState, ModemState> state(area.state.at(reader));
     Reader<SharedMemoryModemStateExtended, ModemStateExtended> extended(area.extended.at(reader));
     Reader<SharedMemoryWifiList, WifiInfosList> list(area.list.at(reader));
@@ -109,7 +109,7 @@ void readAll(uint32_t reader, Workers& workers, Area& area) {
 
 TEST(Reads, areNeverTorn) {
     Workers workers;
-    const SharedArea<Area> area;
+    const SharedArea<ReadsArea> area;
     workers.start([&] { publish(workers); });
     for (uint32_t reader = 0; reader < readerCount; ++reader) {
         workers.start([&, reader] { readAll(reader, workers, *area); });

@@ -9,7 +9,7 @@ namespace vantric_test {
 namespace {
 
 constexpr const char* objectName = "ModemCommandsShm";
-constexpr const char* lockName = "ModemCommandsShmLock";
+constexpr const char* commandsLock = "ModemCommandsShmLock";
 
 }  // namespace
 
@@ -50,7 +50,7 @@ void RingExercise::attach(Channels& channels, bool consumer) {
     consumer ? model_.attachConsumer() : model_.attachProducer();
     if (isNew) {
         segment_.emplace(objectName);
-        lock_.emplace(lockName);
+        lock_.emplace(commandsLock);
     }
 }
 

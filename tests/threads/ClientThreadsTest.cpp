@@ -18,7 +18,7 @@ using namespace vantric_test;
 
 namespace {
 
-constexpr std::size_t threadCount = 4;
+constexpr std::size_t clientCount = 4;
 constexpr int commandsPerThread = 50;  // those of all threads fit into the command channel
 
 std::string networkName(int thread, int command) {
@@ -28,12 +28,12 @@ std::string networkName(int thread, int command) {
 // The result of a role is the number of calls that did not end as they should. The clients connect
 // before the threads start: connecting releases every lock, also one that another client holds.
 const RoleRegistration usesAClientPerThread("usesAClientPerThread", [](const Arguments&) {
-    std::array<ModemClient, threadCount> clients;
+    std::array<ModemClient, clientCount> clients;
     std::atomic<int> surprises{0};
     for (ModemClient& client : clients) {
         surprises += client.connect() ? 0 : 1;
     }
-    inThreads(threadCount, [&](int thread) {
+    inThreads(clientCount, [&](int thread) {
         ModemClient& client = clients.at(static_cast<std::size_t>(thread));
         std::string hostname;
         for (int command = 0; command < commandsPerThread; ++command) {
@@ -46,7 +46,7 @@ const RoleRegistration usesAClientPerThread("usesAClientPerThread", [](const Arg
 
 const RoleRegistration usesAHandlePerThread("usesAHandlePerThread", [](const Arguments&) {
     std::atomic<int> surprises{0};
-    inThreads(threadCount, [&](int) {
+    inThreads(clientCount, [&](int) {
         char name[40] = "";
         uint32_t size = sizeof(name);
         ModemClientHandle handle = modemClientCreate();
@@ -79,7 +79,7 @@ void expectRecords(const char* role, std::size_t count, const char* message) {
 TEST(ClientThreads, logTheirFailuresAndSendTheirCommandsWithAClientEach) {
     PublishedServer server;
     server.publishAt(0);
-    expectRecords("usesAClientPerThread", threadCount * commandsPerThread,
+    expectRecords("usesAClientPerThread", clientCount * commandsPerThread,
                   "SharedMemoryModemState is stale.");
     std::vector<std::string> received;
     for (const Frame& frame : server.takeFrames()) {
@@ -87,7 +87,7 @@ TEST(ClientThreads, logTheirFailuresAndSendTheirCommandsWithAClientEach) {
         received.push_back(frame.payload);
     }
     std::vector<std::string> sent;
-    for (int thread = 0; thread < static_cast<int>(threadCount); ++thread) {
+    for (int thread = 0; thread < static_cast<int>(clientCount); ++thread) {
         for (int command = 0; command < commandsPerThread; ++command) {
             sent.push_back(networkName(thread, command));
         }
@@ -100,5 +100,5 @@ TEST(ClientThreads, logTheirFailuresAndSendTheirCommandsWithAClientEach) {
 TEST(ClientThreads, connectLogAFailureAndDisconnectWithAHandleEach) {
     PublishedServer server;
     server.publishAt(0);
-    expectRecords("usesAHandlePerThread", threadCount, "failed to forget current wifi settings");
+    expectRecords("usesAHandlePerThread", clientCount, "failed to forget current wifi settings");
 }

@@ -57,10 +57,10 @@ void openTerminal(int (&ends)[2]) {
 
 std::string timeText(std::chrono::nanoseconds time) {
     const auto milliseconds = static_cast<long>(time / std::chrono::milliseconds(1));
-    const long seconds = milliseconds / 1000;
+    const long wholeSeconds = milliseconds / 1000;
     char text[32];
-    std::snprintf(text, sizeof(text), "%02ld:%02ld:%02ld.%03ld", seconds / 3600, seconds / 60 % 60,
-                  seconds % 60, milliseconds % 1000);
+    std::snprintf(text, sizeof(text), "%02ld:%02ld:%02ld.%03ld", wholeSeconds / 3600,
+                  wholeSeconds / 60 % 60, wholeSeconds % 60, milliseconds % 1000);
     return text;
 }
 

@@ -21,8 +21,8 @@ struct Record {
     unsigned char bytes[7];
 };
 
-constexpr const char* name = "TestState";
-constexpr const char* lockName = "TestStateLock";
+constexpr const char* layoutName = "TestState";
+constexpr const char* layoutLock = "TestStateLock";
 constexpr std::size_t versionOffset = 4;
 constexpr std::size_t validOffset = 8;
 constexpr std::size_t reservedOffset = 9;
@@ -34,11 +34,11 @@ using Segment = SharedMemoryLayout<Record, SharedMemoryProvider>;
 // Looks at the lock whenever it is asked, and adds a slot.
 class CuriousLayout : public Segment {
   public:
-    CuriousLayout() : Segment(name, 1) {}
+    CuriousLayout() : Segment(layoutName, 1) {}
 
     bool isCompatibleVersion(uint32_t version) override {
         askedFor = version;
-        lockValueWhenAsked = semaphoreValue(lockName);
+        lockValueWhenAsked = semaphoreValue(layoutLock);
         if (throws) {
             throw std::runtime_error("no answer");
         }
@@ -72,14 +72,14 @@ bool read(Segment& layout, Bytes& bytes) {
 }
 
 void expectNothingToRead(uint32_t version, unsigned char valid) {
-    Segment layout(name, 1);
-    RawSegment segment(name);
+    Segment layout(layoutName, 1);
+    RawSegment segment(layoutName);
     segment.write(recordOffset, bytesOf(sample));
     writeHeader(segment, version, valid);
     Bytes record;
     EXPECT_FALSE(read(layout, record));
     EXPECT_EQ(record, Bytes(7, 0));
-    EXPECT_EQ(semaphoreValue(lockName), 1);
+    EXPECT_EQ(semaphoreValue(layoutLock), 1);
 }
 
 TEST(SharedMemoryLayout, anotherVersionIsNotRead) {
@@ -98,8 +98,8 @@ TEST(SharedMemoryLayout, anyOtherValidMarkIsNotRead) {
 }
 
 TEST(SharedMemoryLayout, publishWritesRecordVersionAndValidMarkOnly) {
-    Segment layout(name, 1);
-    RawSegment segment(name);
+    Segment layout(layoutName, 1);
+    RawSegment segment(layoutName);
     segment.write(reservedOffset, {7, 8, 9});
     layout.publish(sample);
     EXPECT_EQ(segment.bytes(),
@@ -107,9 +107,9 @@ TEST(SharedMemoryLayout, publishWritesRecordVersionAndValidMarkOnly) {
 }
 
 TEST(SharedMemoryLayout, publishesAndReadsUnderItsOwnVersion) {
-    Segment layout(name, 3);
+    Segment layout(layoutName, 3);
     layout.publish(sample);
-    EXPECT_EQ(RawSegment(name).word(versionOffset), 3U);
+    EXPECT_EQ(RawSegment(layoutName).word(versionOffset), 3U);
     Bytes record;
     EXPECT_TRUE(read(layout, record));
     EXPECT_TRUE(layout.isCompatibleVersion(3));
@@ -118,7 +118,7 @@ TEST(SharedMemoryLayout, publishesAndReadsUnderItsOwnVersion) {
 
 TEST(SharedMemoryLayout, readingAsksTheVirtualOperationWhileItHoldsTheLock) {
     CuriousLayout layout;
-    RawSegment segment(name);
+    RawSegment segment(layoutName);
     segment.write(recordOffset, bytesOf(sample));
     writeHeader(segment, 77, 1);
     Bytes record;
@@ -126,7 +126,7 @@ TEST(SharedMemoryLayout, readingAsksTheVirtualOperationWhileItHoldsTheLock) {
     EXPECT_EQ(record, bytesOf(sample));
     EXPECT_EQ(layout.askedFor, 77U);
     EXPECT_EQ(layout.lockValueWhenAsked, 0);
-    EXPECT_EQ(semaphoreValue(lockName), 1);
+    EXPECT_EQ(semaphoreValue(layoutLock), 1);
     layout.isCompatible = false;
     EXPECT_FALSE(read(layout, record));
     EXPECT_EQ(record, Bytes(7, 0));
@@ -139,11 +139,11 @@ TEST(SharedMemoryLayout, anExceptionOutOfTheVirtualOperationLeavesZerosAndAFreeL
     Record record = sample;
     EXPECT_THROW(layout.read(record), std::runtime_error);
     EXPECT_EQ(bytesOf(record), Bytes(7, 0));
-    EXPECT_EQ(semaphoreValue(lockName), 1);
+    EXPECT_EQ(semaphoreValue(layoutLock), 1);
 }
 
 TEST(SharedMemoryLayout, aFailedReadZeroesTheResultWhenTheLockIsFreeAgain) {
-    Segment layout(name, 1);
+    Segment layout(layoutName, 1);
     Record record = sample;
     Bytes whenReleased;
     observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
@@ -158,15 +158,15 @@ TEST(SharedMemoryLayout, aFailedReadZeroesTheResultWhenTheLockIsFreeAgain) {
 }
 
 TEST(SharedMemoryLayout, publishingAndReadingWaitForTheLock) {
-    Segment layout(name, 1);
+    Segment layout(layoutName, 1);
     Bytes record;
-    expectToWaitFor(lockName, name, [&] { layout.publish(sample); });
-    expectToWaitFor(lockName, name, [&] { read(layout, record); });
+    expectToWaitFor(layoutLock, layoutName, [&] { layout.publish(sample); });
+    expectToWaitFor(layoutLock, layoutName, [&] { read(layout, record); });
     EXPECT_EQ(record, bytesOf(sample));
 }
 
 TEST(SharedMemoryLayout, readingAndPublishingAllocateNothing) {
-    Segment layout(name, 1);
+    Segment layout(layoutName, 1);
     Record record = {};
     const Allocations allocations;
     layout.publish(sample);
@@ -175,7 +175,7 @@ TEST(SharedMemoryLayout, readingAndPublishingAllocateNothing) {
 }
 
 TEST(SharedMemoryLayout, theVersionComesFirstInTheObjectAndThenTheAccessor) {
-    Segment layout(name, 0x1234);
+    Segment layout(layoutName, 0x1234);
     uint32_t version = 0;
     std::memcpy(&version, reinterpret_cast<unsigned char*>(&layout) + sizeof(void*),
                 sizeof(version));
@@ -186,12 +186,12 @@ TEST(SharedMemoryLayout, theVersionComesFirstInTheObjectAndThenTheAccessor) {
 
 TEST(SharedMemoryLayout, slotZeroDestroysSlotOneFreesSlotTwoComparesVersionsAndThereIsNoOther) {
     alignas(Segment) unsigned char storage[sizeof(Segment)];
-    void* object = new (storage) Segment(name, 1);
+    void* object = new (storage) Segment(layoutName, 1);
     callVirtualSlot(object, 0);
-    EXPECT_FALSE(segmentExists(name));
-    object = new Segment(name, 1);
+    EXPECT_FALSE(segmentExists(layoutName));
+    object = new Segment(layoutName, 1);
     callVirtualSlot(object, 1);  // the leak checker sees that it freed, too
-    EXPECT_FALSE(segmentExists(name));
+    EXPECT_FALSE(segmentExists(layoutName));
     EXPECT_EQ(virtualSlot(&Segment::isCompatibleVersion), 2U);
     EXPECT_EQ(virtualSlot(&CuriousLayout::isCompatibleVersion), 2U);
     EXPECT_EQ(virtualSlot(&CuriousLayout::firstAdded), 3U);

@@ -17,19 +17,19 @@ using com_qel::Orvane::Vantric::ClientServer::SharedMemoryProvider;
 
 static_assert(sizeof(SharedMemoryProvider) == sizeof(void*));
 
-constexpr const char* name = "TestSegment";
-constexpr const char* lockName = "TestSegmentProviderLock";
-constexpr uint32_t size = 61;
-constexpr std::size_t length = size + 4;
+constexpr const char* providedName = "TestSegment";
+constexpr const char* providerLock = "TestSegmentProviderLock";
+constexpr uint32_t recordSize = 61;
+constexpr std::size_t length = recordSize + 4;
 
 // Leaves a segment with this attach count, its payload filled with 0xA5.
 void leaveSegment(uint32_t attachCount, std::size_t objectLength = length) {
-    RawSegment segment(name, objectLength);
+    RawSegment segment(providedName, objectLength);
     segment.write(0, Bytes(objectLength, 0xA5));
     segment.writeWord(0, attachCount);
 }
 
-Bytes image(uint32_t attachCount, unsigned char filling, std::size_t payloadSize = size) {
+Bytes image(uint32_t attachCount, unsigned char filling, std::size_t payloadSize = recordSize) {
     Bytes bytes;
     appendWord(bytes, attachCount);
     bytes.insert(bytes.end(), payloadSize, filling);
@@ -43,38 +43,38 @@ TEST(SharedMemoryProvider, touchesNothingBeforeTheFirstMap) {
 
 TEST(SharedMemoryProvider, createsAMissingObjectAndReturnsTheAlignedPayloadAfterTheCount) {
     SharedMemoryProvider provider;
-    void* payload = provider.map(size, name);
-    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0));
+    void* payload = provider.map(recordSize, providedName);
+    EXPECT_EQ(RawSegment(providedName).bytes(), image(1, 0));
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(payload) % 4, 0U);
-    std::memset(payload, 0x5A, size);
-    EXPECT_EQ(RawSegment(name).bytes(), image(1, 0x5A));
+    std::memset(payload, 0x5A, recordSize);
+    EXPECT_EQ(RawSegment(providedName).bytes(), image(1, 0x5A));
 }
 
 TEST(SharedMemoryProvider, removesTheObjectWhenTheLastUserDetaches) {
     {
         SharedMemoryProvider provider;
-        provider.map(size, name);
+        provider.map(recordSize, providedName);
     }
-    EXPECT_FALSE(segmentExists(name));
+    EXPECT_FALSE(segmentExists(providedName));
 }
 
 TEST(SharedMemoryProvider, keepsObjectAndPayloadWhileOthersAreAttached) {
     leaveSegment(2);
     {
         SharedMemoryProvider provider;
-        provider.map(size, name);
-        EXPECT_EQ(RawSegment(name).bytes(), image(3, 0xA5));
+        provider.map(recordSize, providedName);
+        EXPECT_EQ(RawSegment(providedName).bytes(), image(3, 0xA5));
     }
-    EXPECT_EQ(RawSegment(name).bytes(), image(2, 0xA5));
+    EXPECT_EQ(RawSegment(providedName).bytes(), image(2, 0xA5));
 }
 
 TEST(SharedMemoryProvider, removesTheObjectWhenAThirdPartyForcedTheCountToZero) {
     auto provider = std::make_unique<SharedMemoryProvider>();
-    provider->map(size, name);
-    RawSegment segment(name);
+    provider->map(recordSize, providedName);
+    RawSegment segment(providedName);
     segment.writeWord(0, 0);
     provider.reset();
-    EXPECT_FALSE(segmentExists(name));
+    EXPECT_FALSE(segmentExists(providedName));
     EXPECT_EQ(segment.word(0), 0U);
 }
 
@@ -83,27 +83,27 @@ TEST(SharedMemoryProvider, anExistingObjectGetsTheSizeAskedFor) {
         leaveSegment(1, earlier);
         {
             SharedMemoryProvider provider;
-            provider.map(size, name);
+            provider.map(recordSize, providedName);
             Bytes expected = image(2, 0xA5, std::min(earlier, length) - 4);
             expected.resize(length, 0);
-            EXPECT_EQ(RawSegment(name).bytes(), expected);
+            EXPECT_EQ(RawSegment(providedName).bytes(), expected);
         }
-        std::filesystem::remove(segmentPath(name));
+        std::filesystem::remove(segmentPath(providedName));
     }
 }
 
 TEST(SharedMemoryProvider, onlyTheOwnerMayOpenTheObject) {
     const mode_t previous = umask(0);
     SharedMemoryProvider provider;
-    provider.map(size, name);
+    provider.map(recordSize, providedName);
     umask(previous);
-    EXPECT_EQ(segmentMode(name), 0600U);
+    EXPECT_EQ(segmentMode(providedName), 0600U);
 }
 
 TEST(SharedMemoryProvider, takesTheNameAsItStands) {
     const std::string oddName = "odd \x01 name,Shm";
     SharedMemoryProvider provider;
-    provider.map(size, oddName);
+    provider.map(recordSize, oddName);
     EXPECT_TRUE(segmentExists(oddName));
     EXPECT_TRUE(segmentExists(semaphoreObject(oddName + "ProviderLock")));
 }
@@ -111,15 +111,15 @@ TEST(SharedMemoryProvider, takesTheNameAsItStands) {
 TEST(SharedMemoryProvider, keepsNoDescriptorOpen) {
     const std::size_t before = openDescriptorCount();
     SharedMemoryProvider provider;
-    provider.map(size, name);
+    provider.map(recordSize, providedName);
     EXPECT_EQ(openDescriptorCount(), before);
 }
 
 TEST(SharedMemoryProvider, destructionUndoesTheMappingAndClosesTheLock) {
     auto provider = std::make_unique<SharedMemoryProvider>();
-    provider->map(size, name);
-    const ino_t segment = segmentInode(name);
-    const ino_t semaphore = segmentInode(semaphoreObject(lockName));
+    provider->map(recordSize, providedName);
+    const ino_t segment = segmentInode(providedName);
+    const ino_t semaphore = segmentInode(semaphoreObject(providerLock));
     EXPECT_TRUE(isMapped(segment));
     EXPECT_TRUE(isMapped(semaphore));
     provider.reset();
@@ -129,7 +129,7 @@ TEST(SharedMemoryProvider, destructionUndoesTheMappingAndClosesTheLock) {
 
 TEST(SharedMemoryProvider, oneProviderMapsSeveralSegments) {
     auto provider = std::make_unique<SharedMemoryProvider>();
-    std::memset(provider->map(size, "FirstSegment"), 1, size);
+    std::memset(provider->map(recordSize, "FirstSegment"), 1, recordSize);
     std::memset(provider->map(30, "SecondSegment"), 2, 30);
     EXPECT_EQ(RawSegment("FirstSegment").bytes(), image(1, 1));
     EXPECT_EQ(RawSegment("SecondSegment").bytes(), image(1, 2, 30));
@@ -140,7 +140,7 @@ TEST(SharedMemoryProvider, oneProviderMapsSeveralSegments) {
 
 TEST(SharedMemoryProvider, countsItselfUnderTheProviderLockAndZeroesThePayloadAfterIt) {
     leaveSegment(0);
-    const RawSegment segment(name);
+    const RawSegment segment(providedName);
     Bytes whenTaken;
     Bytes whenReleased;
     observeSemaphoreCalls([&](SemaphoreMoment moment, const sem_t*) {
@@ -151,7 +151,7 @@ TEST(SharedMemoryProvider, countsItselfUnderTheProviderLockAndZeroesThePayloadAf
         }
     });
     SharedMemoryProvider provider;
-    provider.map(size, name);
+    provider.map(recordSize, providedName);
     observeSemaphoreCalls(nullptr);
     EXPECT_EQ(whenTaken, image(0, 0xA5));
     EXPECT_EQ(whenReleased, image(1, 0xA5));
@@ -160,19 +160,19 @@ TEST(SharedMemoryProvider, countsItselfUnderTheProviderLockAndZeroesThePayloadAf
 
 TEST(SharedMemoryProvider, detachesUnderTheProviderLock) {
     auto provider = std::make_unique<SharedMemoryProvider>();
-    provider->map(size, name);
-    expectToWaitFor(lockName, name, [&] { provider.reset(); });
-    EXPECT_FALSE(segmentExists(name));
+    provider->map(recordSize, providedName);
+    expectToWaitFor(providerLock, providedName, [&] { provider.reset(); });
+    EXPECT_FALSE(segmentExists(providedName));
 }
 
 TEST(SharedMemoryProvider, theHighestCountWrapsWithoutHarm) {
     leaveSegment(UINT32_MAX);
     {
         SharedMemoryProvider provider;
-        provider.map(size, name);
-        EXPECT_EQ(RawSegment(name).bytes(), image(0, 0xA5));
+        provider.map(recordSize, providedName);
+        EXPECT_EQ(RawSegment(providedName).bytes(), image(0, 0xA5));
     }
-    EXPECT_FALSE(segmentExists(name));
+    EXPECT_FALSE(segmentExists(providedName));
 }
 
 }  // namespace

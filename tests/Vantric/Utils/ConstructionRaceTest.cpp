@@ -17,7 +17,7 @@ namespace {
 
 using com_qel::Orvane::Vantric::ClientServer::MultiProcessLock;
 
-constexpr const char* name = "TestLock";
+constexpr const char* racedLock = "TestLock";
 constexpr const char* postSignal = "constructorsMayPost";
 constexpr int racerCount = 5;
 
@@ -31,7 +31,7 @@ const RoleRegistration stopping("stoppingConstructor", [](const Arguments&) {
             isSignalled = eventually([] { return segmentExists(postSignal); });
         }
     });
-    const MultiProcessLock lock(name);
+    const MultiProcessLock lock(racedLock);
     return isSignalled ? 0 : 1;
 });
 
@@ -42,7 +42,7 @@ void race() {
         racers.push_back(std::make_unique<ChildProcess>(roleCommand("stoppingConstructor")));
         ASSERT_TRUE(racers.back()->waitForOutput("checked"));
     }
-    ASSERT_EQ(semaphoreValue(name), 0);
+    ASSERT_EQ(semaphoreValue(racedLock), 0);
     const RawSegment signal(postSignal, 1);
     for (const auto& racer : racers) {
         const auto status = racer->wait();
@@ -52,17 +52,17 @@ void race() {
 }
 
 TEST(ConstructionRace, aFreeSemaphoreRisesToTheNumberOfRacingProcesses) {
-    const RawSemaphore semaphore(name, 1);
+    const RawSemaphore semaphore(racedLock, 1);
     race();
     EXPECT_EQ(semaphore.value(), racerCount);
 }
 
 TEST(ConstructionRace, aLiveHolderAddsOneToTheHighestValue) {
-    MultiProcessLock lock(name);
+    MultiProcessLock lock(racedLock);
     lock.lock();
     race();
     lock.unlock();
-    EXPECT_EQ(semaphoreValue(name), racerCount + 1);
+    EXPECT_EQ(semaphoreValue(racedLock), racerCount + 1);
 }
 
 }  // namespace

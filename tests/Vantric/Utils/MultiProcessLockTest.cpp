@@ -21,7 +21,7 @@ using com_qel::Orvane::Vantric::ClientServer::MultiProcessLock;
 
 static_assert(sizeof(MultiProcessLock) == sizeof(void*));
 
-constexpr const char* name = "TestLock";
+constexpr const char* testLock = "TestLock";
 
 void report(const char* text) {
     std::puts(text);
@@ -50,8 +50,8 @@ const RoleRegistration unopenable("lockUser", [](const Arguments& arguments) {
     return 0;
 });
 
-void expectOneRecordAndNoHarm(const std::string& lockName) {
-    Command command = roleCommand("lockUser", {lockName}, loggingFrom("error"));
+void expectOneRecordAndNoHarm(const std::string& nameOfLock) {
+    Command command = roleCommand("lockUser", {nameOfLock}, loggingFrom("error"));
     command.preparations = {obeyFileModes};
     const Result result = run(command);
     EXPECT_EQ(result.status.raw, 0) << result.errors;
@@ -62,47 +62,47 @@ void expectOneRecordAndNoHarm(const std::string& lockName) {
 // Creates a lock under a file mode creation mask; the result is its object's mode.
 mode_t modeUnderMask(mode_t mask) {
     const mode_t previous = umask(mask);
-    MultiProcessLock lock(name);
+    MultiProcessLock lock(testLock);
     umask(previous);
-    return segmentMode(semaphoreObject(name));
+    return segmentMode(semaphoreObject(testLock));
 }
 
 TEST(MultiProcessLock, isFreeOnceConstructedAndKeepsAHigherValue) {
     for (const auto& [found, expected] : {std::pair(0U, 1), std::pair(1U, 1), std::pair(2U, 2)}) {
-        const std::string lockName = name + std::to_string(found);
-        const RawSemaphore semaphore(lockName, found);
-        MultiProcessLock lock(lockName);
+        const std::string nameOfLock = testLock + std::to_string(found);
+        const RawSemaphore semaphore(nameOfLock, found);
+        MultiProcessLock lock(nameOfLock);
         EXPECT_EQ(semaphore.value(), expected);
     }
-    MultiProcessLock lock(name);
-    EXPECT_EQ(semaphoreValue(name), 1);
+    MultiProcessLock lock(testLock);
+    EXPECT_EQ(semaphoreValue(testLock), 1);
 }
 
 TEST(MultiProcessLock, twoLocksOfOneNameExcludeEachOther) {
-    MultiProcessLock first(name);
-    MultiProcessLock second(name);
+    MultiProcessLock first(testLock);
+    MultiProcessLock second(testLock);
     first.lock();
     const BackgroundAction waiter([&] { second.lock(); });
     EXPECT_TRUE(waiter.blocks());
     first.unlock();
     EXPECT_TRUE(waiter.ends());
-    EXPECT_EQ(semaphoreValue(name), 0);
+    EXPECT_EQ(semaphoreValue(testLock), 0);
 }
 
 TEST(MultiProcessLock, theSemaphoreOutlivesItsLocksWithItsLastValue) {
     {
-        MultiProcessLock lock(name);
+        MultiProcessLock lock(testLock);
         lock.lock();
     }
-    EXPECT_EQ(semaphoreValue(name), 0);
+    EXPECT_EQ(semaphoreValue(testLock), 0);
 }
 
 TEST(MultiProcessLock, closesItsHandleWhenDestroyed) {
     {
-        MultiProcessLock lock(name);
-        EXPECT_TRUE(isMapped(segmentInode(semaphoreObject(name))));
+        MultiProcessLock lock(testLock);
+        EXPECT_TRUE(isMapped(segmentInode(semaphoreObject(testLock))));
     }
-    EXPECT_FALSE(isMapped(segmentInode(semaphoreObject(name))));
+    EXPECT_FALSE(isMapped(segmentInode(semaphoreObject(testLock))));
 }
 
 TEST(MultiProcessLock, everyUserMayReadAndWriteTheSemaphore) {
@@ -110,7 +110,7 @@ TEST(MultiProcessLock, everyUserMayReadAndWriteTheSemaphore) {
 }
 
 TEST(MultiProcessLock, anInterruptedWaitProceedsAsIfTheLockWereHeld) {
-    ChildProcess child(roleCommand("interruptedWaiter", {name}));
+    ChildProcess child(roleCommand("interruptedWaiter", {testLock}));
     ASSERT_TRUE(child.waitForOutput("waiting"));
     ASSERT_TRUE(eventuallyBlocks(child.pid(), [&] { return child.wait(0ms).has_value(); }));
     EXPECT_TRUE(eventually([&] {
@@ -118,12 +118,12 @@ TEST(MultiProcessLock, anInterruptedWaitProceedsAsIfTheLockWereHeld) {
         return child.wait(0ms).has_value();
     }));
     EXPECT_EQ(child.output(), "waiting\nproceeded\n");
-    EXPECT_EQ(semaphoreValue(name), 0);
+    EXPECT_EQ(semaphoreValue(testLock), 0);
 }
 
 TEST(MultiProcessLock, aDirectoryInTheWayIsLoggedOnceAndTheLockThenDoesNothing) {
-    ASSERT_EQ(mkdir(segmentPath(semaphoreObject(name)).c_str(), 0777), 0);
-    expectOneRecordAndNoHarm(name);
+    ASSERT_EQ(mkdir(segmentPath(semaphoreObject(testLock)).c_str(), 0777), 0);
+    expectOneRecordAndNoHarm(testLock);
 }
 
 TEST(MultiProcessLock, anInvalidNameIsLoggedOnceAndTheLockThenDoesNothing) {
@@ -132,9 +132,9 @@ TEST(MultiProcessLock, anInvalidNameIsLoggedOnceAndTheLockThenDoesNothing) {
 }
 
 TEST(MultiProcessLock, aLackOfPermissionIsLoggedOnceAndTheLockThenDoesNothing) {
-    const RawSemaphore semaphore(name, 1);
-    ASSERT_EQ(chmod(segmentPath(semaphoreObject(name)).c_str(), 0), 0);
-    expectOneRecordAndNoHarm(name);
+    const RawSemaphore semaphore(testLock, 1);
+    ASSERT_EQ(chmod(segmentPath(semaphoreObject(testLock)).c_str(), 0), 0);
+    expectOneRecordAndNoHarm(testLock);
     EXPECT_EQ(semaphore.value(), 1);
 }
 
