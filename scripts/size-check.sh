@@ -47,7 +47,8 @@ check() {
         size=$(peak_memory "build/$preset/bin/vantricprobe")
     else
         file=build/$preset/bin/$what
-        [ -e "$file" ] || file=$(readlink -f "build/$preset/lib/$what")
+        [ -e "$file" ] || file=$(readlink --canonicalize-existing "build/$preset/lib/$what") ||
+            fail "The build of $preset has no $what, which $budget_file names."
         tool "$preset" strip -o "$file.stripped" "$file"
         size=$(stat --format %s "$file.stripped")
         glibc=$(newest_glibc "$preset" "$file")
@@ -72,7 +73,8 @@ mkdir -p build
 for preset in "${presets[@]}"; do
     say "Building ($preset)"
     cmake --preset "$preset" --log-level=WARNING > /dev/null
-    cmake --build --preset "$preset" --target vantricprobe > "build/$preset.log" || { cat "build/$preset.log"; exit 1; }
+    mapfile -t targets < <(sed -n "s/^$preset \(vantric[a-z]*\) .*/\1/p" "$budget_file")
+    cmake --build --preset "$preset" --target "${targets[@]}" > "build/$preset.log" || { cat "build/$preset.log"; exit 1; }
 done
 
 say "Sizes in bytes (memory: KiB), newest symbol version of the C library"
