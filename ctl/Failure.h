@@ -1,4 +1,4 @@
-// The exit statuses, and the exceptions that end a command early.
+// The exit statuses, and the exception that ends a command early.
 #pragma once
 
 #include <stdexcept>
@@ -16,25 +16,17 @@ enum ExitStatus : int {
     statusSignal = 128,  // plus the signal's number
 };
 
-// Ends the program with `status` after one sentence on standard error. The sentence must be safe
-// for a terminal: pass bytes of others through shown().
+// Ends the program with `status` after one sentence on standard error, or silently when that is
+// empty. The sentence must be safe for a terminal: pass bytes of others through shown().
 class Failure : public std::runtime_error {
   public:
-    Failure(ExitStatus status, const std::string& sentence)
+    explicit Failure(int status, const std::string& sentence = {})
         : std::runtime_error(sentence), status_(status) {}
 
-    ExitStatus status() const { return status_; }
+    int status() const { return status_; }
 
   private:
-    ExitStatus status_;
+    int status_;
 };
-
-// SIGINT or SIGTERM arrived.
-struct Interrupted {
-    int signal;
-};
-
-// Standard output is a pipe without a reader.
-struct OutputClosed {};
 
 }  // namespace vantricctl

@@ -8,36 +8,39 @@
 #include <vector>
 
 #include "ctl/Ring.h"
-#include "ctl/ServerState.h"
-#include "ctl/SharedFile.h"
+#include "ctl/SharedObjects.h"
 
 namespace vantricctl {
 
-struct ObservedObject {
-    SharedFile file;
-    std::size_t rightSize;
-    std::vector<Mapper> mappers;
-
-    uint32_t attachCount() const;
-    uint32_t mappings() const;
+// A process with the number of times that it maps an object.
+struct Mapper {
+    pid_t process;
+    std::string program;
+    uint32_t mappings;
 };
 
-struct ObservedSemaphore {
-    SharedFile file;
+struct ObservedObject : ObjectCopy {
+    uint32_t attachCount;
+    uint32_t mappings;            // by all processes that this user may look into
+    std::vector<Mapper> mappers;  // these processes
+};
+
+struct ObservedSemaphore : Semaphore {
     bool isHeldThroughout;  // at every reading
 };
 
 struct Inspection {
     std::vector<ObservedObject> objects;  // the three states and the ring, in this order
-    Publication<ModemState> state;
-    Publication<ModemStateExtended> extended;
-    Publication<WifiInfosList> networks;
+    ModemState state;
+    ModemStateExtended extended;
+    WifiInfosList networks;
     Ring ring;
     std::vector<ObservedSemaphore> semaphores;
-    bool isRingLeftAlone;  // nothing was taken out between the readings
+    bool isRingLeftAlone;   // nothing was taken out between the readings
+    bool seesAllProcesses;  // false when this user may not look into one of them
 };
 
-// Takes half a second. Throws Interrupted.
+// Takes half a second. Throws Failure when a signal arrives.
 Inspection inspectExchange();
 
 struct Finding {
@@ -47,8 +50,8 @@ struct Finding {
     const char* remedy;
 };
 
-// In the order of a fixed table; empty when all is well. Pure function of its argument and of this
-// process's user and word size.
+// In a fixed order; empty when all is well. Pure function of its argument and of this process's
+// user and word size.
 std::vector<Finding> findingsOf(const Inspection& inspection);
 
 }  // namespace vantricctl

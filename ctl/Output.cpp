@@ -1,162 +1,220 @@
 #include "ctl/Output.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <nlohmann/json.hpp>
 #include <system_error>
 
 #include "Vantric/ModemState.h"
 #include "ctl/Failure.h"
-#include "ctl/Text.h"
 
 namespace vantricctl {
 
 namespace {
 
-using com_qel::Orvane::Vantric::RecordField;
+using namespace com_qel::Orvane::Vantric;
+using Json = nlohmann::json;
 
-constexpr const char* exactSuffix = "Hex";
-constexpr const char* typeSuffix = "Type";
+struct Range {
+    uint32_t first;
+    uint32_t last;
+};
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+// Control characters, those that break lines or turn the direction of writing, and what is no
+// character.
+constexpr Range unsafe[] = {{0x00, 0x1f},       {0x7f, 0x9f},          {0x61c, 0x61c},
+                            {0x200b, 0x200f},   {0x2028, 0x202e},      {0x2060, 0x206f},
+                            {0xd800, 0xdfff},   {0xfeff, 0xfeff},      {0xfff9, 0xfffb},
+                            {0xe0000, 0xe0fff}, {0x110000, UINT32_MAX}};
+
+// The smallest code of a character, by its number of bytes: a smaller one has fewer bytes.
+constexpr uint32_t smallestCodes[] = {0, 0, 0x80, 0x800, 0x10000};
+
+// How many of the bytes, which must not be empty, are the first character; 0 when they do not begin
+// with one of UTF-8 that is safe to show.
+std::size_t firstLength(std::string_view bytes) {
+    const auto first = static_cast<unsigned char>(bytes.front());
+    const std::size_t length = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    if ((first >= 0x80 && first < 0xc0) || first >= 0xf8 || length > bytes.size()) {
+        return 0;
+    }
+    uint32_t code = length == 1 ? first : first & (0x7fU >> length);
+    for (const char character : bytes.substr(1, length - 1)) {
+        const auto byte = static_cast<unsigned char>(character);
+        if ((byte & 0xc0U) != 0x80) {
+            return 0;
+        }
+        code = code << 6U | (byte & 0x3fU);
+    }
+    for (const Range& range : unsafe) {
+        if (code >= range.first && code <= range.last) {
+            return 0;
+        }
+    }
+    return code < smallestCodes[length] ? 0 : length;
 }
 
-bool isExactCopy(const Report& report, const std::string& key) {
-    return endsWith(key, exactSuffix) &&
-           report.contains(key.substr(0, key.size() - std::strlen(exactSuffix)));
+constexpr std::string_view typeSuffix = "Type";
+
+bool isStructured(const Report& report) {
+    return report.kind == Report::Kind::Group || report.kind == Report::Kind::List;
+}
+
+void appendJson(const Report& report, std::string& text) {
+    if (!isStructured(report)) {
+        text += report.kind == Report::Kind::Number
+                    ? report.value
+                    : Json(report.value).dump(-1, ' ', true, Json::error_handler_t::replace);
+        return;
+    }
+    const bool isList = report.kind == Report::Kind::List;
+    const char* separator = "";
+    text += isList ? "[" : "{";
+    for (const auto& [name, member] : report.members) {
+        text += separator + (isList ? "" : "\"" + name + "\":");
+        appendJson(member, text);
+        separator = ",";
+    }
+    text += isList ? "]" : "}";
 }
 
 // "wifiSsid" as "wifi ssid"; names of objects and headings stay.
-std::string labelOf(const std::string& key) {
-    if (key.find(' ') != std::string::npos) {
-        return key;
+std::string labelOf(const std::string& name) {
+    const auto isCapital = [](char character) { return character >= 'A' && character <= 'Z'; };
+    if (isCapital(name.front()) || name.find(' ') != std::string::npos) {
+        return name;
     }
     std::string label;
-    for (const char character : key) {
-        const bool isCapital = character >= 'A' && character <= 'Z';
-        if (isCapital && label.empty()) {
-            return key;
-        }
-        label += isCapital ? std::string(" ") + static_cast<char>(character - 'A' + 'a')
-                           : std::string(1, character);
+    for (const char character : name) {
+        label += isCapital(character) ? " " : "";
+        label += static_cast<char>(std::tolower(character));
     }
     return label;
 }
 
 std::string valueText(const Report& value) {
-    if (value.is_string()) {
-        return shown(value.get_ref<const std::string&>());
+    if (value.kind == Report::Kind::Text) {
+        return shown(value.value);
     }
-    if (value.is_boolean()) {
-        return value.get<bool>() ? "yes" : "no";
-    }
-    return value.is_null() ? "-" : value.dump();
+    return value.value == "true"    ? "yes"
+           : value.value == "false" ? "no"
+           : value.value == "null"  ? "-"
+                                    : value.value;
 }
 
 // "process 12, program vantricsim"
 std::string lineOf(const Report& element) {
     std::string line;
-    for (const auto& [key, value] : element.items()) {
-        if (!isExactCopy(element, key)) {
-            line += (line.empty() ? "" : ", ") + labelOf(key) + " " + valueText(value);
+    for (const auto& [name, value] : element.members) {
+        if (value.kind != Report::Kind::ExactText) {
+            line += (line.empty() ? "" : ", ") + labelOf(name) + " " + valueText(value);
         }
     }
     return line;
 }
 
-// The elements of a list take one line each.
 void appendText(const Report& report, const std::string& indentation, std::string& text) {
     std::size_t width = 0;
-    for (const auto& [key, value] : report.items()) {
-        width = value.is_structured() ? width : std::max(width, labelOf(key).size());
+    for (const auto& [name, member] : report.members) {
+        width = isStructured(member) ? width : std::max(width, labelOf(name).size());
     }
-    for (const auto& [key, value] : report.items()) {
-        std::string label = labelOf(key);
-        if (report.is_array()) {
-            text += indentation + lineOf(value) + "\n";
-        } else if (value.is_structured()) {
-            text += indentation + label + (value.empty() ? ": none\n" : ":\n");
-            appendText(value, indentation + "  ", text);
-        } else if (!isExactCopy(report, key)) {
+    for (const auto& [name, member] : report.members) {
+        std::string label = labelOf(name);
+        if (report.kind == Report::Kind::List) {
+            text += indentation + lineOf(member) + "\n";
+        } else if (isStructured(member)) {
+            text += indentation + label + (member.members.empty() ? ": none\n" : ":\n");
+            appendText(member, indentation + "  ", text);
+        } else if (member.kind != Report::Kind::ExactText) {
             label.resize(width, ' ');
-            text += indentation + label + "  " + valueText(value) + "\n";
+            text += indentation + label + "  " + valueText(member) + "\n";
         }
-    }
-}
-
-const char* displayNameKey(std::string_view typeKey) {
-    return typeKey == "connectivityType"     ? "connectivity"
-           : typeKey == "wifiEncryptionType" ? "wifiEncryption"
-                                             : "encryption";
-}
-
-void addField(Report& report, const char* place, const RecordField& field, bool showSecrets) {
-    const std::string key = field.key;
-    if (field.kind == RecordField::Kind::Text) {
-        if (key == "wifiPassword" && !showSecrets) {
-            report[key] = nullptr;
-        } else {
-            addText(report, key, {place, strnlen(place, field.size)});
-        }
-        return;
-    }
-    using namespace com_qel::Orvane::Vantric;
-    int32_t number = 0;
-    std::memcpy(&number, place, sizeof(number));
-    report[key] = number;
-    if (endsWith(key, typeSuffix)) {
-        report[displayNameKey(key)] =
-            key == "connectivityType" ? connectivityTypeName(number) : encryptionTypeName(number);
     }
 }
 
 }  // namespace
 
-void addText(Report& report, const std::string& key, std::string_view bytes) {
-    report[key] = std::string(bytes);
-    report[key + exactSuffix] = hexadecimal(bytes);
+std::string shown(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const std::size_t length = firstLength(bytes);
+        if (length == 0) {
+            text += "\\x" + hexadecimal(bytes.substr(0, 1));
+        } else {
+            text += bytes.front() == '\\' ? "\\\\" : bytes.substr(0, length);
+        }
+        bytes.remove_prefix(length == 0 ? 1 : length);
+    }
+    return text;
 }
 
-void addFields(Report& report, const void* record, const RecordFields& fields, bool showSecrets) {
+std::string hexadecimal(std::string_view bytes) {
+    constexpr const char* digits = "0123456789abcdef";
+    std::string text;
+    for (const char character : bytes) {
+        const auto byte = static_cast<unsigned char>(character);
+        text += {digits[byte >> 4U], digits[byte & 0xfU]};
+    }
+    return text;
+}
+
+Report::Report(double number) : kind(Kind::Number), value(Json(number).dump()) {}
+
+Report::Report(std::initializer_list<std::pair<const char*, Report>> group)
+    : kind(Kind::Group), members(group.begin(), group.end()) {}
+
+Report& Report::add(const std::string& name, const Report& member) {
+    return members.emplace_back(name, member).second;
+}
+
+void Report::addText(const std::string& name, std::string_view bytes) {
+    add(name, std::string(bytes));
+    add(name + "Hex", hexadecimal(bytes)).kind = Kind::ExactText;
+}
+
+void Report::addFields(const void* record, const RecordFields& fields, Secrets secrets) {
     for (const RecordField& field : fields) {
-        addField(report, static_cast<const char*>(record) + field.offset, field, showSecrets);
+        const char* place = static_cast<const char*>(record) + field.offset;
+        const std::string name = field.key;
+        if (field.kind == RecordField::Kind::Integer) {
+            int32_t number = 0;
+            std::memcpy(&number, place, sizeof(number));
+            add(name, number);
+            if (const std::size_t end = name.rfind(typeSuffix); end != std::string::npos) {
+                add(name.substr(0, end), name == "connectivityType" ? connectivityTypeName(number)
+                                                                    : encryptionTypeName(number));
+            }
+        } else if (name != "wifiPassword" || secrets == Secrets::Shown) {
+            addText(name, {place, strnlen(place, field.size)});
+        } else if (secrets == Secrets::Hidden) {
+            add(name, nullptr);
+        }
     }
 }
 
 void writeOutput(const std::string& text) {
-    const bool isWritten =
-        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    if (isWritten) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() &&
+        std::fflush(stdout) == 0) {
         return;
     }
     const int error = errno;
-    if (error == EPIPE) {
-        throw OutputClosed();
-    }
-    throw Failure(statusFailed, "Cannot write to standard output: " +
-                                    std::generic_category().message(error) + ".");
+    throw Failure(statusFailed, error == EPIPE ? ""
+                                               : "Cannot write to standard output: " +
+                                                     std::generic_category().message(error) + ".");
 }
 
 void writeReport(const Report& report, bool asJson, const char* prefix) {
     std::string text = prefix;
     if (asJson) {
-        text += report.dump(-1, ' ', true, Report::error_handler_t::replace) + "\n";
+        appendJson(report, text);
+        text += "\n";
     } else {
         appendText(report, "", text);
     }
     writeOutput(text);
-}
-
-void writeNotice(const std::string& sentence) {
-    std::fprintf(stderr, "vantricctl: %s\n", sentence.c_str());
-}
-
-std::string secondsText(double seconds) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f s", seconds);
-    return text;
 }
 
 }  // namespace vantricctl

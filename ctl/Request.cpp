@@ -1,32 +1,42 @@
 #include "ctl/Request.h"
 
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+
 #include "ctl/Output.h"
 #include "ctl/Ring.h"
-#include "ctl/ServerState.h"
 
 namespace vantricctl {
 
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr unsigned int lockPatienceSeconds = 2;
 
-Ring readRing() {
-    return decodeRing(readConsistently(ringName, ringObjectSize));
-}
+// The time that is left, on a line of the terminal that is empty again afterwards.
+class Countdown {
+  public:
+    ~Countdown() {
+        if (shown_ != 0) {
+            std::fprintf(stderr, "\r\033[K");
+        }
+    }
+    Countdown& operator=(Countdown&&) = delete;
 
-// Attaching would create a missing object and resize one of another size.
-void requireRing() {
-    const SharedFile file = readConsistently(ringName, ringObjectSize);
-    if (!file.exists() || (file.error == 0 && decodeRing(file).memory.consumers == 0)) {
-        throw Failure(statusNoServer, "No server takes commands out of " + file.name + ".");
+    void show(int64_t secondsLeft) {
+        if (isTerminal_ && secondsLeft > 0 && secondsLeft != shown_) {
+            std::fprintf(stderr, "\r\033[K%" PRId64 " s left", secondsLeft);
+            shown_ = secondsLeft;
+        }
     }
-    if (file.error != 0) {
-        throw Failure(statusFailed, unreadableSentence(file));
-    }
-    if (file.size != ringObjectSize) {
-        throw Failure(statusUnusableState, wrongSizeSentence(file, ringObjectSize));
-    }
-}
+
+  private:
+    const bool isTerminal_ = isatty(STDERR_FILENO) == 1;
+    int64_t shown_ = 0;
+};
 
 }  // namespace
 
@@ -35,23 +45,33 @@ const char* stageName(Stage stage) {
     return names[static_cast<std::size_t>(stage)];
 }
 
-CommandChannel::CommandChannel(uint32_t timeoutSeconds)
-    : limit_(timeoutSeconds + lockPatienceSeconds) {
-    requireRing();
+Request::Request(uint32_t timeoutSeconds)
+    : timeoutSeconds_(timeoutSeconds), deadline_(timeoutSeconds) {
+    // Attaching would create a missing object and resize one of another size.
+    const ObjectCopy ring = publishedCopyOf(objectOf<RingMemory>);
+    if (recordIn<RingMemory>(ring).consumers == 0) {
+        throw Failure(statusNoServer, "No server takes commands out of " + ring.file.name + ".");
+    }
+    limitBlocking(timeoutSeconds + lockPatienceSeconds);
     constexpr bool asConsumer = false;
     commands_.emplace(asConsumer);
 }
 
-void CommandChannel::send(ModemCommand command, const std::string& payload) {
-    const auto frameSize = frameHeaderSize + static_cast<uint32_t>(payload.size());
+Request::~Request() {
+    commands_.reset();
+    limitBlocking(0);
+}
+
+void Request::send(ModemCommand command, const std::string& payload) {
+    const auto size = static_cast<uint32_t>(payload.size());
+    const uint32_t frameSize = frameHeaderSize + size;
     const Ring before = readRing();
     if (!before.isPossible() || before.freeBytes() < frameSize) {
         throw Failure(statusFailed, before.isPossible()
                                         ? "The ring of commands is full: nothing was sent."
                                         : "The ring of commands is unusable: nothing was sent.");
     }
-    commands_->enqueue(static_cast<uint32_t>(command), payload.data(),
-                       static_cast<uint32_t>(payload.size()));
+    commands_->enqueue(static_cast<uint32_t>(command), payload.data(), size);
     const Ring after = readRing();
     if (after.memory.writeIndex == before.memory.writeIndex && frameSize != ringCapacity) {
         throw Failure(statusFailed, "The ring of commands was full: it dropped the request.");
@@ -61,7 +81,9 @@ void CommandChannel::send(ModemCommand command, const std::string& payload) {
     bytesToTake_ = after.usedBytes();
 }
 
-bool CommandChannel::isTaken() {
+// Whether the server has taken out all that was sent here. Between two calls it must not take out
+// as much as the ring holds.
+bool Request::isTaken() {
     if (bytesToTake_ == 0) {
         return true;
     }
@@ -73,25 +95,59 @@ bool CommandChannel::isTaken() {
     return bytesToTake_ == 0;
 }
 
-Stage follow(CommandChannel& channel, Wait& wait, const std::function<bool()>& isConfirmed) {
+Stage Request::follow(const std::function<bool()>& isConfirmed) {
+    using std::chrono::milliseconds;
+    Countdown countdown;
     Stage stage = Stage::Queued;
     do {
-        if (stage == Stage::Queued && channel.isTaken()) {
+        if (stage == Stage::Queued && isTaken()) {
             stage = Stage::Taken;
         }
         if (stage == Stage::Taken && isConfirmed()) {
-            return Stage::Confirmed;
+            stage = Stage::Confirmed;
         }
-    } while (wait.next());
+        const auto elapsed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start_);
+        seconds_ = static_cast<double>(elapsed.count()) / 1000;
+        countdown.show(int64_t{timeoutSeconds_} - static_cast<int64_t>(seconds_));
+    } while (stage != Stage::Confirmed && waitForPoll(deadline_));
     return stage;
 }
 
-Failure timeOver(Stage stage, const Wait& wait) {
-    const std::string time = "The time is over after " + secondsText(wait.seconds()) + ": ";
+Failure Request::timeOver(Stage stage, const std::string& doubt) const {
+    char time[32];
+    std::snprintf(time, sizeof(time), "%.1f s: ", seconds_);
     return Failure(statusTimeOver,
-                   time + (stage == Stage::Queued
-                               ? "the request is still queued, the server has not taken it out."
-                               : "the server has taken the request but not confirmed it."));
+                   "The time is over after " + std::string(time) +
+                       (stage == Stage::Queued
+                            ? "the request is still queued, the server has not taken it out."
+                            : "the server has taken the request" + doubt));
+}
+
+bool stateShows(const std::function<bool(const ModemState&)>& isShown) {
+    const ObjectCopy state = copyOf(objectOf<ModemState>);
+    return state.isPublished() && isShown(recordIn<ModemState>(state));
+}
+
+int carryOut(const Options& options, const Change& change) {
+    const bool wasShown = change.isShown(publishedRecord<ModemState>());
+    Request request(options.timeoutSeconds);
+    request.send(change.command, change.payload);
+    const Stage stage = request.follow([&] { return stateShows(change.isShown); });
+    writeReport(
+        {{"stage", stageName(stage)}, {"shownBefore", wasShown}, {"seconds", request.seconds()}},
+        options.asJson);
+    if (stage != Stage::Confirmed) {
+        throw request.timeOver(stage);
+    }
+    return statusDone;
+}
+
+void requireLength(const char* what, const std::string& text, std::size_t longest) {
+    if (text.empty() || text.size() > longest) {
+        throw Failure(statusWrongUse, std::string(what) + " must have 1 to " +
+                                          std::to_string(longest) + " bytes, not " +
+                                          std::to_string(text.size()) + ".");
+    }
 }
 
 }  // namespace vantricctl

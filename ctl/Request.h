@@ -1,13 +1,20 @@
 // Sending commands and following what becomes of them.
+//
+// A request only attaches to the ring and detaches again; the states are read elsewhere, without
+// attaching. So a command opens two locks instead of eight, which matters because opening a lock
+// releases it.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "ctl/Commands.h"
 #include "ctl/Failure.h"
+#include "ctl/SharedObjects.h"
 #include "ctl/Wait.h"
 
 namespace vantricctl {
@@ -23,34 +30,75 @@ enum class Stage {
 
 const char* stageName(Stage stage);
 
-// The command channel, as a client that only attaches to the ring, and that detaches again.
-//
-// The states are read elsewhere, without attaching; so a command opens two locks instead of eight,
-// which matters because opening a lock releases it.
-class CommandChannel {
+class Request {
   public:
     // Throws Failure when no server takes commands, before anything is created or changed.
-    explicit CommandChannel(uint32_t timeoutSeconds);
+    explicit Request(uint32_t timeoutSeconds);
+    ~Request();
+
+    Request& operator=(Request&&) = delete;
 
     // Queues a command. Throws Failure when the ring has dropped it.
     void send(ModemCommand command, const std::string& payload = {});
 
-    // Whether the server has taken out all that was sent here. Poll it: between two calls the
-    // server must not take out as much as the ring holds.
-    bool isTaken();
+    // Polls until all that was sent is taken and `isConfirmed`, or until the time is over. Returns
+    // the stage that was reached. Counts down on a terminal.
+    Stage follow(const std::function<bool()>& isConfirmed);
+
+    // From the start to the end of follow().
+    double seconds() const { return seconds_; }
+
+    // The failure of a request that was not confirmed; `doubt` is the end of the sentence for one
+    // that the server has taken.
+    Failure timeOver(Stage stage, const std::string& doubt = " but not confirmed it.") const;
 
   private:
-    BlockingLimit limit_;
+    bool isTaken();
+
     std::optional<com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands> commands_;
+    const uint32_t timeoutSeconds_;
+    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    const Deadline deadline_;
+    double seconds_ = 0;
     uint32_t lastReadIndex_ = 0;
     uint32_t bytesToTake_ = 0;  // up to the end of the last frame sent here
 };
 
-// Polls until all requests are taken and `isConfirmed`, or until the time of `wait` is over.
-// Returns the stage that was reached.
-Stage follow(CommandChannel& channel, Wait& wait, const std::function<bool()>& isConfirmed);
+// A change that the state shows when the server has made it.
+struct Change {
+    ModemCommand command;
+    std::string payload;
+    std::function<bool(const ModemState&)> isShown;
+};
 
-// The sentence for a request whose time is over.
-Failure timeOver(Stage stage, const Wait& wait);
+// Whether the server publishes a state that `isShown` accepts.
+bool stateShows(const std::function<bool(const ModemState&)>& isShown);
+
+// Sends the request, waits until the state shows the change, and prints how long it took; when the
+// time is over, prints which stage was reached and throws.
+int carryOut(const Options& options, const Change& change);
+
+// Requests a record and waits until its update counter has changed. `seconds` becomes the time
+// from the request to the record.
+template <class Record>
+Record requestUpdate(ModemCommand command, uint32_t timeoutSeconds, double& seconds) {
+    const int32_t before = publishedRecord<Record>().updateCounter;
+    Request request(timeoutSeconds);
+    request.send(command);
+    Record record;
+    const Stage stage = request.follow([&] {
+        const ObjectCopy copy = copyOf(objectOf<Record>);
+        record = recordIn<Record>(copy);
+        return copy.isPublished() && record.updateCounter != before;
+    });
+    if (stage != Stage::Confirmed) {
+        throw request.timeOver(stage);
+    }
+    seconds = request.seconds();
+    return record;
+}
+
+// Throws Failure for wrong use unless `text` has 1 to `longest` bytes.
+void requireLength(const char* what, const std::string& text, std::size_t longest);
 
 }  // namespace vantricctl

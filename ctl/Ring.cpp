@@ -3,44 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Vantric/ClientServer/SharedMemoryModemCommands.h"
+#include "Vantric/CommandTable.h"
 
 namespace vantricctl {
 
 namespace {
 
-using com_qel::Orvane::Vantric::ClientServer::ModemCommand;
-
-constexpr int noSecret = -1;
-
-struct CommandDescription {
-    const char* name;
-    ModemCommand command;
-    int fieldsBeforeSecret;  // or noSecret
-};
-
-constexpr CommandDescription commands[] = {
-    {"SwitchToWifi", ModemCommand::SwitchToWifi, noSecret},
-    {"SwitchToCarrier", ModemCommand::SwitchToCarrier, noSecret},
-    {"SetWifiSsid", ModemCommand::SetWifiSsid, noSecret},
-    {"SetWifiPasswordAndEncryptionType", ModemCommand::SetWifiPasswordAndEncryptionType, 1},
-    {"SetConfig", ModemCommand::SetConfig, noSecret},
-    {"RequestWifiList", ModemCommand::RequestWifiList, noSecret},
-    {"RequestModemStatus", ModemCommand::RequestModemStatus, noSecret},
-    {"SendText", ModemCommand::SendText, 0},
-    {"SendTextPair", ModemCommand::SendTextPair, 0},
-    {"SetWifiConnection", ModemCommand::SetWifiConnection, 2},
-    {"SetWifiConnectionRadius", ModemCommand::SetWifiConnectionRadius, 3},
-};
-
-const CommandDescription* findCommand(uint32_t command) {
-    for (const CommandDescription& description : commands) {
-        if (static_cast<uint32_t>(description.command) == command) {
-            return &description;
-        }
-    }
-    return nullptr;
-}
+using com_qel::Orvane::Vantric::findCommand;
 
 uint32_t wordAt(const std::string& bytes, std::size_t offset) {
     uint32_t word = 0;
@@ -71,50 +40,41 @@ std::vector<WaitingFrame> Ring::frames() const {
         bytes[index] = static_cast<char>(memory.data[(memory.readIndex + index) % ringCapacity]);
     }
     std::vector<WaitingFrame> result;
-    std::size_t offset = 0;
-    while (offset < bytes.size()) {
-        const std::size_t rest = bytes.size() - offset;
-        if (rest < frameHeaderSize) {
-            result.push_back({0, bytes.substr(offset), false});
-            break;
-        }
-        const uint32_t length = wordAt(bytes, offset + sizeof(uint32_t));
-        const std::size_t begin = offset + frameHeaderSize;
-        const bool isComplete = length <= rest - frameHeaderSize;
-        result.push_back({wordAt(bytes, offset), bytes.substr(begin, length), isComplete});
-        offset = isComplete ? begin + length : bytes.size();
+    while (bytes.size() >= frameHeaderSize) {
+        const uint32_t command = wordAt(bytes, 0);
+        const uint32_t length = wordAt(bytes, sizeof(command));
+        bytes.erase(0, frameHeaderSize);
+        result.push_back({command, bytes.substr(0, length), length <= bytes.size()});
+        bytes.erase(0, length);
+    }
+    if (!bytes.empty()) {
+        result.push_back({0, bytes, false});
     }
     return result;
 }
 
-Ring decodeRing(const SharedFile& file) {
-    Ring ring;
-    file.copyTo(&ring.memory, attachCountSize, sizeof(ring.memory));
-    return ring;
+const char* WaitingFrame::name() const {
+    const auto* known = findCommand(command);
+    return known == nullptr ? "Unknown" : known->name;
 }
 
-const char* commandName(uint32_t command) {
-    const CommandDescription* description = findCommand(command);
-    return description == nullptr ? "Unknown" : description->name;
-}
-
-std::string withoutSecrets(const WaitingFrame& frame) {
-    const CommandDescription* description = findCommand(frame.command);
-    if (frame.payload.empty() ||
-        (description != nullptr && description->fieldsBeforeSecret == noSecret)) {
-        return frame.payload;
+std::string WaitingFrame::withoutSecrets() const {
+    const auto* known = findCommand(command);
+    const std::string_view format = known == nullptr ? "text" : known->payload;
+    const std::size_t secret = std::min(format.find("password"), format.find("text"));
+    if (payload.empty() || secret == std::string_view::npos) {
+        return payload;
     }
     std::size_t begin = 0;
-    for (int field = 0; description != nullptr && field < description->fieldsBeforeSecret;
-         ++field) {
-        const std::size_t comma = frame.payload.find(',', begin);
+    for (auto commas = std::count(format.begin(), format.begin() + secret, ','); commas > 0;
+         --commas) {
+        const std::size_t comma = payload.find(',', begin);
         if (comma == std::string::npos) {
-            begin = 0;
-            break;
+            return "(hidden)";
         }
         begin = comma + 1;
     }
-    return frame.payload.substr(0, begin) + "(hidden)";
+    return payload.substr(0, begin) + "(hidden)";
 }
 
 }  // namespace vantricctl

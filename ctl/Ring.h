@@ -6,18 +6,19 @@
 #include <vector>
 
 #include "Vantric/ClientServer/SharedMemoryCircularBuffer.h"
-#include "ctl/SharedFile.h"
+#include "ctl/SharedObjects.h"
 
 namespace vantricctl {
 
-constexpr const char* ringName = "ModemCommandsShm";
 constexpr uint32_t ringCapacity = 4096;
 
 using RingMemory =
     com_qel::Orvane::Vantric::ClientServer::SharedMemoryCircularBuffer<unsigned char,
                                                                        ringCapacity>::Memory;
 
-constexpr std::size_t ringObjectSize = attachCountSize + sizeof(RingMemory);
+template <>
+inline constexpr SharedObject objectOf<RingMemory> = {"ModemCommandsShm", attachCountSize,
+                                                      attachCountSize + sizeof(RingMemory)};
 
 // Command and length.
 constexpr uint32_t frameHeaderSize = 8;
@@ -26,10 +27,16 @@ struct WaitingFrame {
     uint32_t command;
     std::string payload;
     bool isComplete;  // false when its length exceeds what the ring holds; the last one then
+
+    // "Unknown" for a command that clients do not send.
+    const char* name() const;
+
+    // The payload with its secrets replaced by "(hidden)", and the whole of an unknown command's.
+    std::string withoutSecrets() const;
 };
 
 struct Ring {
-    RingMemory memory = {};
+    RingMemory memory;
 
     bool isSetUp() const { return memory.initialized == 1; }
 
@@ -43,13 +50,8 @@ struct Ring {
     std::vector<WaitingFrame> frames() const;
 };
 
-// Zeros stand for what the copy does not hold.
-Ring decodeRing(const SharedFile& file);
-
-// "Unknown" for a command that clients do not send.
-const char* commandName(uint32_t command);
-
-// The payload with its secrets replaced by "(hidden)", the whole payload of an unknown command.
-std::string withoutSecrets(const WaitingFrame& frame);
+inline Ring readRing() {
+    return {recordIn<RingMemory>(copyOf(objectOf<RingMemory>))};
+}
 
 }  // namespace vantricctl

@@ -133,35 +133,31 @@ bool connect(SimulatedServer& server, std::string_view payload) {
 
 }  // namespace
 
-const std::vector<CommandDescription>& commandTable() {
-    static const std::vector<CommandDescription> table = {
-        {ModemCommand::SwitchToWifi, "SwitchToWifi", "nothing",
-         switchConnectivity<ConnectivityType::Wifi>},
-        {ModemCommand::SwitchToCarrier, "SwitchToCarrier", "nothing",
-         switchConnectivity<ConnectivityType::Carrier>},
-        {ModemCommand::SetWifiSsid, "SetWifiSsid", "ssid", joinNetwork},
-        {ModemCommand::SetWifiPasswordAndEncryptionType, "SetWifiPasswordAndEncryptionType",
-         "encryption type,password", setEncryption},
-        {ModemCommand::SetConfig, "SetConfig", "file name", loadConfiguration},
-        {ModemCommand::RequestWifiList, "RequestWifiList", "nothing", scan},
-        {ModemCommand::RequestModemStatus, "RequestModemStatus", "nothing", refresh},
-        {ModemCommand::SendText, "SendText", "text", nullptr},
-        {ModemCommand::SendTextPair, "SendTextPair", "text,text", nullptr},
-        {ModemCommand::SetWifiConnection, "SetWifiConnection", "ssid,encryption type,password",
-         connect<3>},
-        {ModemCommand::SetWifiConnectionRadius, "SetWifiConnectionRadius",
-         "ssid,encryption type,user name,password", connect<4>},
-    };
-    return table;
-}
-
-const CommandDescription* findCommand(uint32_t command) {
-    for (const CommandDescription& description : commandTable()) {
-        if (static_cast<uint32_t>(description.command) == command) {
-            return &description;
-        }
+bool reactTo(ModemCommand command, SimulatedServer& server, std::string_view payload) {
+    switch (command) {
+        case ModemCommand::SwitchToWifi:
+            return switchConnectivity<ConnectivityType::Wifi>(server, payload);
+        case ModemCommand::SwitchToCarrier:
+            return switchConnectivity<ConnectivityType::Carrier>(server, payload);
+        case ModemCommand::SetWifiSsid:
+            return joinNetwork(server, payload);
+        case ModemCommand::SetWifiPasswordAndEncryptionType:
+            return setEncryption(server, payload);
+        case ModemCommand::SetConfig:
+            return loadConfiguration(server, payload);
+        case ModemCommand::RequestWifiList:
+            return scan(server, payload);
+        case ModemCommand::RequestModemStatus:
+            return refresh(server, payload);
+        case ModemCommand::SendText:
+        case ModemCommand::SendTextPair:
+            return true;  // no effect
+        case ModemCommand::SetWifiConnection:
+            return connect<3>(server, payload);
+        case ModemCommand::SetWifiConnectionRadius:
+            return connect<4>(server, payload);
     }
-    return nullptr;
+    return true;
 }
 
 }  // namespace vantric_sim

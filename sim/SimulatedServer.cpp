@@ -120,8 +120,8 @@ void SimulatedServer::receive(uint32_t command, std::string_view payload) {
     const std::string name = known != nullptr ? known->name : "Unknown";
     report("frame " + std::to_string(command) + " " + name + " " + std::to_string(payload.size()) +
            " " + quoted(payload));
-    if (!faults.takeIgnored(command) && known != nullptr && known->react != nullptr &&
-        !known->react(*this, payload)) {
+    if (!faults.takeIgnored(command) && known != nullptr &&
+        !reactTo(known->command, *this, payload)) {
         report("malformed " + name + ": expected " + known->payload);
     }
 }

@@ -1,7 +1,7 @@
 // Names that could break a parser or a terminal.
 #include <gtest/gtest.h>
 
-#include "ctl/Text.h"
+#include "ctl/Output.h"
 #include "tests/ctl/CtlRun.h"
 #include "tests/support/PublishedServer.h"
 
