@@ -9,7 +9,7 @@ namespace com_qel::Orvane::Vantric::ClientServer {
 
 namespace {
 
-constexpr const char* sourceFile = "Vantric/Utils/MultiProcessLock";
+constexpr const char* lockSourceFile = "Vantric/Utils/MultiProcessLock";
 constexpr int openFailedLine = 56;  // part of the record's contract
 constexpr mode_t everybodyReadsAndWrites = 0666;
 constexpr unsigned int freeValue = 1;
@@ -24,7 +24,7 @@ MultiProcessLock::MultiProcessLock(const std::string& name)
     : implementation_(std::make_unique<Implementation>()) {
     sem_t* semaphore = sem_open(name.c_str(), O_CREAT, everybodyReadsAndWrites, freeValue);
     if (semaphore == SEM_FAILED) {
-        VyLog(VyLog::Error, sourceFile, openFailedLine, 0)
+        VyLog(VyLog::Error, lockSourceFile, openFailedLine, 0)
             .append("MultiProcessLock: sem_open failed");
         return;
     }

@@ -29,7 +29,8 @@ target_link_libraries(print_status PRIVATE Vantric::vantric)
 target_link_libraries(module PRIVATE Vantric::vantric)
 ")
 run(${CMAKE_COMMAND} -S ${outside} -B ${outside}/build ${same_compilers}
-    -D BUILD_SHARED_LIBS=${flavour_${FLAVOUR}} -D CMAKE_CXX_VISIBILITY_PRESET=hidden -D CMAKE_UNITY_BUILD=ON)
+    -D BUILD_SHARED_LIBS=${flavour_${FLAVOUR}} -D CMAKE_CXX_VISIBILITY_PRESET=hidden -D CMAKE_UNITY_BUILD=ON
+    -D CMAKE_UNITY_BUILD_BATCH_SIZE=0)
 run(${CMAKE_COMMAND} --build ${outside}/build)
 run(${CMAKE_COMMAND} --install ${outside}/build --prefix ${outside}/prefix)
 
