@@ -20,12 +20,14 @@ template <class M, class Provider>
 class SharedMemoryDirectAccessor {
     static_assert(std::is_trivially_copyable_v<M>, "other processes share the bytes of M");
     static_assert(alignof(M) <= 4, "a payload follows the 4 bytes of the attach count");
+    static constexpr auto size = static_cast<uint32_t>(sizeof(M));
+    static_assert(size == sizeof(M), "a provider counts the bytes of a payload in 32 bits");
 
   public:
     /// Maps the segment `name` with room for one M, which must not need more than 4-byte alignment;
     /// the lock is named after the segment plus "Lock". Passes on what Provider::map() throws.
     explicit SharedMemoryDirectAccessor(const std::string& name) : lock_(name + "Lock") {
-        memory_ = static_cast<M*>(provider_.map(static_cast<uint32_t>(sizeof(M)), name));
+        memory_ = static_cast<M*>(provider_.map(size, name));
     }
 
     virtual ~SharedMemoryDirectAccessor() = default;
