@@ -20,8 +20,8 @@
 ///
 /// Process-safety: each query holds one segment's lock for one copy; nothing is locked while
 /// sleeping, converting or logging. Waiting for a lock has no time limit, not even in the
-/// operations that take a timeout. In these cases two processes can be in one lock, and a copy can
-/// then be torn and a command lost:
+/// operations that take a timeout. In these cases two processes, or two threads with a client each,
+/// can be in one lock, and a copy can then be torn and a command lost:
 /// - connect() opens each lock by releasing it, even one that another process holds. Connect once
 ///   and stay connected.
 /// - A signal whose handler interrupts the wait for a lock ends the wait, and the call goes on
@@ -30,6 +30,7 @@
 ///   taken: connect() still succeeds, and every call goes on without the lock. Only the log shows
 ///   this, with the Error record "MultiProcessLock: sem_open failed".
 /// - A lock that an earlier run left above 1 stays there; see Vantric/Utils/MultiProcessLock.h.
+/// A server killed while it publishes leaves a torn record as well, until it publishes again.
 ///
 /// After fork() the child must not destroy the client it inherited: both processes count as one
 /// user, so that would remove the objects that the parent uses. If the parent has a single thread,

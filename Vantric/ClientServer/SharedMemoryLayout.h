@@ -6,10 +6,12 @@
 /// time limit, so a copy is not torn, except in these cases: a process that constructs the lock
 /// (every connecting client does) releases it even while another process holds it; a wait that a
 /// signal interrupts goes on without it; a process that could not open the lock never takes it, and
-/// only the log shows it; and a lock that an earlier run left above 1 admits several processes. See
-/// Vantric/Utils/MultiProcessLock.h. Ownership: owns its mapping; nothing refers to the segment
-/// once the object is gone. Thread-safety: none, an object belongs to one thread. Process-safety:
-/// read() and publish() take the contents lock for the header and one fixed-size copy only.
+/// only the log shows it; a lock that an earlier run left above 1 admits several processes (see
+/// Vantric/Utils/MultiProcessLock.h); and a process killed inside publish() leaves a record that
+/// was valid before torn, until the next publish(). Ownership: owns its mapping; nothing refers to
+/// the segment once the object is gone. Thread-safety: none, an object belongs to one thread.
+/// Process-safety: read() and publish() take the contents lock for the header and one fixed-size
+/// copy only.
 #pragma once
 
 #include <cstddef>

@@ -54,9 +54,9 @@ class VANTRIC_EXPORT SharedMemoryModemCommands {
     /// length on return; both stay untouched for a frame without payload.
     /// False, with all outputs untouched, when header or payload is not complete. False
     /// as well, with an Error record, when the payload needs a buffer and there is none or one too
-    /// small. In these cases the header is gone and the payload stays, so the next call reads
-    /// payload bytes as a header. A consumer killed between the two holds of the lock leaves
-    /// the ring in the same way.
+    /// small. An incomplete header stays; in the other cases the header is gone and the payload
+    /// stays, so the next call reads payload bytes as a header. A consumer killed between the two
+    /// holds of the lock leaves the ring in the same way.
     bool dequeue(uint32_t& command, void* buffer, uint32_t* size);
 
   private:

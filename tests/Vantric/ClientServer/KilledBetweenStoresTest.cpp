@@ -1,13 +1,15 @@
-// A process is killed before every single store of enqueue() and dequeue(): a new client must reach
-// a new server afterwards.
+// A process is killed before every single store of an operation: the next processes must get on.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
+#include <string>
 
 #include "tests/Vantric/ClientServer/CommandChannel.h"
 #include "tests/support/ProcessFacts.h"
+#include "tests/support/PublishedServer.h"
 #include "tests/support/StoreWatch.h"
 
 namespace vantric_test {
@@ -15,41 +17,50 @@ namespace {
 
 using SharedMemoryModemCommands = CommandChannel::SharedMemoryModemCommands;
 
-// Lets a process do the operation on the ring until it is killed before its first store, another
-// until the second, and so on. After each of them a new client reaches a new server.
-template <class Operation>
-void expectExchangeAfterEveryKill(const RingImage& image, Operation operation) {
-    SharedMemoryModemCommands channel(false);
-    void* object = mappingOf(segmentInode(ringName));
-    RawSegment segment(ringName);
+// Lets a process do the operation on an object with these bytes until it is killed before its first
+// store, another until the second, and so on, and checks what each of them leaves.
+template <class Operation, class Check>
+void checkAfterEveryKill(const char* name, const Bytes& image, Operation operation, Check check) {
+    void* object = mappingOf(segmentInode(name));
+    RawSegment segment(name);
     bool isKilled = true;
     int stores = 0;
-    for (; isKilled; ++stores) {
-        segment.write(0, image.bytes());
+    for (; isKilled && !testing::Test::HasFatalFailure(); ++stores) {
+        segment.write(0, image);
         const pid_t child = fork();
         if (child == 0) {
             int left = stores;
-            const StoreWatch watch(object, image.bytes().size(), [&] {
+            const StoreWatch watch(object, image.size(), [&] {
                 if (left-- == 0) {
                     raise(SIGKILL);
                 }
             });
-            operation(channel);
+            operation();
             _exit(0);
         }
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
         isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
         ASSERT_TRUE(isKilled || status == 0) << status;
+        SCOPED_TRACE("store " + std::to_string(stores));
+        check();
+    }
+    EXPECT_GE(stores, 3);
+}
 
+template <class Operation>
+void expectExchangeAfterEveryKill(const RingImage& image, Operation operation) {
+    SharedMemoryModemCommands channel(false);
+    const auto exchange = [] {
         CommandChannel next;
         while (next.dequeue()) {
         }
         ASSERT_TRUE(next.enqueue(77, {1, 2}));
-        ASSERT_TRUE(next.dequeue()) << "store " << stores;
+        ASSERT_TRUE(next.dequeue());
         ASSERT_EQ(next.command, 77U);
-    }
-    EXPECT_GE(stores, 3);
+    };
+    checkAfterEveryKill(
+        ringName, image.bytes(), [&] { operation(channel); }, exchange);
 }
 
 // A ring whose header allows `capacity` bytes only, with these frames of 8 bytes in it.
@@ -83,6 +94,25 @@ TEST(KilledBetweenStores, inDequeueTheNextClientReachesTheNextServer) {
     expectExchangeAfterEveryKill(smallRing(16, 2), dequeue);
     expectExchangeAfterEveryKill(smallRing(ringCapacity, 1), dequeue);
     expectExchangeAfterEveryKill(smallRing(ringCapacity, 2), dequeue);
+}
+
+TEST(KilledBetweenStores, inTheFirstPublishNobodyReadsAPartOfTheRecord) {
+    using Segment = Vantric::ClientServer::SharedMemoryModemState;
+    constexpr const char* name = "ModemStateShm";
+    const Vantric::ModemState whole = freshState();
+    Segment server;
+    const Bytes unpublished = RawSegment(name).bytes();
+    int reads = 0;
+    const auto readAll = [&] {
+        Vantric::ModemState record = {};
+        if (Segment().read(record)) {
+            ++reads;
+            ASSERT_EQ(std::memcmp(&record, &whole, sizeof(whole)), 0);
+        }
+    };
+    checkAfterEveryKill(
+        name, unpublished, [&] { server.publish(whole); }, readAll);
+    EXPECT_GE(reads, 1);
 }
 
 }  // namespace
