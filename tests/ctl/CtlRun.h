@@ -1,7 +1,8 @@
 // Running vantricctl on the test's own objects.
 #pragma once
 
-#include <map>
+#include <gtest/gtest.h>
+
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -13,19 +14,22 @@ namespace vantric_test {
 using Json = nlohmann::json;
 using Words = std::vector<std::string>;
 
-Command vantricctl(const Words& arguments);
+inline Command vantricctl(const Words& arguments) {
+    return {VANTRICCTL_PATH, arguments};
+}
 
-// What a run prints with --json, and its exit status.
+// What a run prints with --json, which must be one JSON text, and its exit status.
 struct CtlResult {
     int status;
     Json json;
     std::string errors;
 };
 
-// The output must be one JSON text.
-CtlResult runForJson(Words arguments);
-
-// The bytes and the attributes of everything in /dev/shm.
-std::map<std::string, std::string> sharedMemoryImage();
+inline CtlResult runForJson(Words arguments) {
+    arguments.emplace_back("--json");
+    const Result result = run(vantricctl(arguments));
+    EXPECT_TRUE(Json::accept(result.output)) << result.output << result.errors;
+    return {result.status.code(), Json::parse(result.output, nullptr, false), result.errors};
+}
 
 }  // namespace vantric_test

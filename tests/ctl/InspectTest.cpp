@@ -23,6 +23,17 @@ using namespace vantric_test;
 using com_qel::Orvane::Vantric::ClientServer::MultiProcessLock;
 using com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands;
 
+// The bytes and the attributes of everything in /dev/shm.
+std::map<std::string, std::string> sharedMemoryImage() {
+    std::map<std::string, std::string> image;
+    for (const std::string& name : sharedMemoryNames()) {
+        const struct stat status = segmentStatus(name);
+        image[name] = std::to_string(status.st_ino) + " " + std::to_string(status.st_mode) + " " +
+                      std::to_string(status.st_uid) + " " + fileContent(segmentPath(name));
+    }
+    return image;
+}
+
 int waitToBeKilled() {
     std::printf("ready\n");
     std::fflush(stdout);
@@ -120,6 +131,22 @@ TEST_F(Inspect, findsTheCountsOfAKilledClient) {
                     "producers or consumers too high: ModemCommandsShm"});
 }
 
+// Without this right, root may not look into the processes that have it.
+bool giveUpTracing() {
+    return geteuid() != 0 || prctl(PR_CAPBSET_DROP, CAP_SYS_PTRACE, 0, 0, 0) == 0;
+}
+
+TEST_F(Inspect, doesNotJudgeCountsWithoutLookingIntoAllProcesses) {
+    runRoleAndKillIt("client");
+    Command command = vantric_test::vantricctl({"inspect", "--json"});
+    command.preparations = {obeyFileModes, giveUpTracing};
+    const Json findings = Json::parse(run(command).output)["findings"];
+    EXPECT_EQ(findings.size(), 2U);
+    for (const Json& finding : findings) {
+        EXPECT_EQ(finding["remedy"], "Inspect as root.") << finding;
+    }
+}
+
 TEST_F(Inspect, findsAFullRing) {
     const std::string payload(4088, 'x');
     commands.enqueue(12, payload.data(), 4088);
@@ -145,6 +172,12 @@ TEST_F(Inspect, hidesSecretsUnlessTheyAreAskedFor) {
     const Json shown = expectFindings(findings, {"--show-secrets"});
     EXPECT_EQ(shown["objects"]["ModemCommandsShm"]["ring"]["frames"][0]["payload"], payload);
     EXPECT_EQ(shown["objects"]["ModemStateShm"]["record"]["wifiPassword"], "hush");
+    const std::string hiddenText = run(vantric_test::vantricctl({"inspect"})).output;
+    EXPECT_NE(hiddenText.find(", payload home,2,(hidden)\n"), std::string::npos) << hiddenText;
+    EXPECT_EQ(hiddenText.find("hush"), std::string::npos) << hiddenText;
+    const auto text = run(vantric_test::vantricctl({"inspect", "--show-secrets"})).output;
+    EXPECT_NE(text.find(", payload home,2,hush\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("  hush\n"), std::string::npos) << text;
 }
 
 TEST_F(Inspect, findsAStaleState) {

@@ -13,8 +13,13 @@ void addCtl(CaseList& list) {
     add("status", {"status"}, server("default.json"));
     add("status_stale", {"status"}, server("stale_state.json"));
     add("scan", {"scan"}, server("awkward_names.json"));
-    add("scan_queued", {"scan", "--timeout", "3"}, writingTo(ClientOutput::Terminal));
-    list.cases.back().circumstances.scenario = "full_ring.json";
+    Circumstances terminal = writingTo(ClientOutput::Terminal);
+    terminal.scenario = "full_ring.json";
+    add("scan_equal", {"scan"}, server("equal_networks.json"));
+    add("scan_equal_json", {"scan", "--json"}, server("equal_networks.json"));
+    add("scan_queued", {"scan", "--timeout", "3"}, terminal);
+    terminal.scenario = "";
+    add("inspect_watch", {"inspect", "--watch", "--timeout", "3"}, terminal);
     add("switch", {"switch", "wifi"}, server("default.json"));
     add("switch_taken", {"switch", "wifi", "--timeout", "3"}, server("stuck_switch.json"));
     add("join", {"join", "office"}, server("default.json"));
@@ -23,6 +28,9 @@ void addCtl(CaseList& list) {
     const std::string file = "/dev/null";
     add("load_config", {"load-config", file, "--keep-wifi", "--expect-hostname", "null"},
         server("default.json"));
+    add("load_config_any_hostname", {"load-config", file}, server("default.json"));
+    add("load_config_doubtful", {"load-config", file, "--timeout", "3"},
+        server("configuration_ignored.json"));
     add("load_config_other_hostname",
         {"load-config", file, "--expect-hostname", "other", "--timeout", "8"},
         server("default.json"));
