@@ -34,7 +34,7 @@ struct Row {
 
 const std::string everyKindOfByte("a\0b\n\xff", 5);
 
-const Row rows[] = {
+const Row commandRows[] = {
     {[](ModemClient& client) { return client.setConnectivityType(1); }, {5, ""}},
     {[](ModemClient& client) { return client.setConnectivityType(2); }, {6, ""}},
     {[](ModemClient& client) { return client.setWifiSSID("my network"); }, {7, "my network"}},
@@ -60,7 +60,7 @@ const Row rows[] = {
 const RoleRegistration sender("sendEverythingTwice", [](const auto&) {
     ModemClient client;
     for (int round = 0; round < 2; ++round) {
-        for (const Row& row : rows) {
+        for (const Row& row : commandRows) {
             row.send(client);
         }
         client.setConnectivityType(3);
@@ -76,7 +76,7 @@ const RoleRegistration sender("sendEverythingTwice", [](const auto&) {
 
 TEST_F(ModemClientCommands, sendTheirFieldsJoinedWithoutEscapingInTheOrderOfTheCalls) {
     Frames expected;
-    for (const Row& row : rows) {
+    for (const Row& row : commandRows) {
         EXPECT_TRUE(row.send(client)) << row.frame;
         expected.push_back(row.frame);
     }
@@ -126,7 +126,7 @@ TEST_F(ModemClientCommands, reachTheServerFromTwoClientsAlike) {
 
 TEST_F(ModemClientCommands, failUnsentWhileNotConnected) {
     ModemClient other;
-    for (const Row& row : rows) {
+    for (const Row& row : commandRows) {
         EXPECT_FALSE(row.send(other)) << row.frame;
     }
     EXPECT_TRUE(other.setConnectivityType(0));

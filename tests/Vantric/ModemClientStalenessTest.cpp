@@ -14,7 +14,7 @@ namespace {
 using com_qel::Orvane::Vantric::ModemClient;
 using namespace vantric_test;
 
-constexpr int32_t now = 1'900'000'000;
+constexpr int32_t present = 1'900'000'000;
 constexpr int32_t firstStamp = std::numeric_limits<int32_t>::min();
 constexpr int32_t lastStamp = std::numeric_limits<int32_t>::max();  // 19 January 2038, 03:14:07 UTC
 constexpr int64_t afterLastStamp = int64_t{lastStamp} + 1;
@@ -36,21 +36,21 @@ class ModemClientStaleness : public testing::Test {
 };
 
 TEST_F(ModemClientStaleness, acceptsAStateOfExactlyThreeHundredSeconds) {
-    EXPECT_TRUE(isReadable(now - 300, now));
+    EXPECT_TRUE(isReadable(present - 300, present));
 }
 
 TEST_F(ModemClientStaleness, refusesAStateOfThreeHundredAndOneSeconds) {
-    EXPECT_FALSE(isReadable(now - 301, now));
+    EXPECT_FALSE(isReadable(present - 301, present));
 }
 
 TEST_F(ModemClientStaleness, acceptsAStateFromTheFuture) {
-    EXPECT_TRUE(isReadable(now + 10, now));
-    EXPECT_TRUE(isReadable(lastStamp, now));
+    EXPECT_TRUE(isReadable(present + 10, present));
+    EXPECT_TRUE(isReadable(lastStamp, present));
 }
 
 TEST_F(ModemClientStaleness, refusesAStateFromBeforeTheEpoch) {
     for (const int32_t stamp : {0, -1, firstStamp}) {
-        EXPECT_FALSE(isReadable(stamp, now)) << stamp;
+        EXPECT_FALSE(isReadable(stamp, present)) << stamp;
     }
 }
 

@@ -31,7 +31,7 @@ namespace {
 using com_qel::Orvane::Vantric::ClientServer::SharedMemoryProvider;
 
 constexpr const char* name = "TestSegment";
-constexpr uint32_t size = 61;
+constexpr uint32_t smallSize = 61;
 constexpr uint32_t pageSize = 4096;
 constexpr int directoryInTheWay = EINVAL;  // as the C library reports EISDIR
 
@@ -67,7 +67,7 @@ std::string failureOf(uint32_t payloadSize) {
 
 // Maps the segment and prints the error's text. arguments: none
 const RoleRegistration mapper("mapper", [](const Arguments&) {
-    std::fputs(failureOf(size).c_str(), stdout);
+    std::fputs(failureOf(smallSize).c_str(), stdout);
     return 0;
 });
 
@@ -107,7 +107,7 @@ const RoleRegistration cramped("crampedMapper", [](const Arguments&) {
     if (segmentLength(name) != tooMuch + 4 || RawSegment(name).word(0) != 0) {
         return 3;
     }
-    if (!failureOf(provider, size).empty() || RawSegment(name).word(0) != 1) {
+    if (!failureOf(provider, smallSize).empty() || RawSegment(name).word(0) != 1) {
         return 4;
     }
     return 0;
@@ -121,11 +121,11 @@ void expectFailureOf(const Command& role, const std::string& failure) {
 
 TEST(SharedMemoryProvider, aDirectoryInTheWayIsAnOpenFailure) {
     ASSERT_EQ(mkdir(segmentPath(name).c_str(), 0777), 0);
-    EXPECT_EQ(failureOf(size), openError(directoryInTheWay));
+    EXPECT_EQ(failureOf(smallSize), openError(directoryInTheWay));
 }
 
 TEST(SharedMemoryProvider, anObjectOfAnotherUserIsAnOpenFailure) {
-    const RawSegment segment(name, size + 4);
+    const RawSegment segment(name, smallSize + 4);
     ASSERT_EQ(chmod(segmentPath(name).c_str(), 0), 0);
     Command command = roleCommand("mapper");
     command.preparations = {obeyFileModes};
@@ -142,7 +142,7 @@ TEST(SharedMemoryProvider, aFullFileSystemIsAMapFailureAndNoSignal) {
     RawSegment filler("filler", pageSize);
     filler.writeWord(0, 1);
     expectFailureOf(roleCommand("mapper"), mapError(ENOSPC));
-    EXPECT_EQ(segmentLength(name), size + 4);
+    EXPECT_EQ(segmentLength(name), smallSize + 4);
 }
 
 TEST(SharedMemoryProvider, aFullFileSystemLeavesTheProviderUsableAndTheCountUntouched) {
@@ -151,32 +151,32 @@ TEST(SharedMemoryProvider, aFullFileSystemLeavesTheProviderUsableAndTheCountUnto
     filler->write(0, Bytes(std::size_t{3} * pageSize, 1));
     const std::size_t descriptors = openDescriptorCount();
     SharedMemoryProvider provider;
-    ASSERT_EQ(failureOf(provider, size), mapError(ENOSPC));
+    ASSERT_EQ(failureOf(provider, smallSize), mapError(ENOSPC));
     EXPECT_EQ(openDescriptorCount(), descriptors);
     EXPECT_FALSE(isMapped(segmentInode(name)));
 
     filler.reset();
     std::filesystem::remove(segmentPath("filler"));
     EXPECT_EQ(RawSegment(name).word(0), 0U);
-    EXPECT_EQ(failureOf(provider, size), "");
+    EXPECT_EQ(failureOf(provider, smallSize), "");
     EXPECT_EQ(RawSegment(name).word(0), 1U);
 }
 
 TEST(SharedMemoryProvider, onlyALackOfRoomForTheBlocksIsAMapFailure) {
     for (const int error : {ENOSPC, EDQUOT, EFBIG, ENOMEM}) {
         fallocateErrors() = {error};
-        EXPECT_EQ(failureOf(size), mapError(error));
+        EXPECT_EQ(failureOf(smallSize), mapError(error));
     }
     for (const int error : {EPERM, EINVAL, ENODEV, EOPNOTSUPP, ENOSYS, EACCES}) {
         fallocateErrors() = {error};
-        EXPECT_EQ(failureOf(size), "");
+        EXPECT_EQ(failureOf(smallSize), "");
         EXPECT_TRUE(fallocateErrors().empty());
     }
 }
 
 TEST(SharedMemoryProvider, anInterruptedReservationIsRepeated) {
     fallocateErrors() = {ENOSPC, EINTR, EINTR};
-    EXPECT_EQ(failureOf(size), mapError(ENOSPC));
+    EXPECT_EQ(failureOf(smallSize), mapError(ENOSPC));
 }
 
 TEST(SharedMemoryProvider, aLengthThatNoObjectCanHaveIsAMapFailure) {
@@ -187,27 +187,27 @@ TEST(SharedMemoryProvider, aLengthThatNoObjectCanHaveIsAMapFailure) {
         EXPECT_EQ(failureOf(provider, tooLarge), mapError(EOVERFLOW));
     }
     EXPECT_FALSE(segmentExists(name));
-    EXPECT_EQ(failureOf(provider, size), "");
+    EXPECT_EQ(failureOf(provider, smallSize), "");
 }
 
 TEST(SharedMemoryProvider, aFailureDoesNotTouchWhatIsMappedAlready) {
     SharedMemoryProvider provider;
-    provider.map(size, name);
+    provider.map(smallSize, name);
     ASSERT_EQ(mkdir(segmentPath("OtherSegment").c_str(), 0777), 0);
-    ASSERT_EQ(failureOf(provider, size, "OtherSegment"), openError(directoryInTheWay));
+    ASSERT_EQ(failureOf(provider, smallSize, "OtherSegment"), openError(directoryInTheWay));
     EXPECT_EQ(RawSegment(name).word(0), 1U);
     EXPECT_TRUE(isMapped(segmentInode(name)));
 }
 
 TEST(SharedMemoryProvider, runningOutOfMemoryAnywhereLeavesTheProviderAsItWas) {
     SharedMemoryProvider provider;
-    provider.map(size, "EarlierSegment");
+    provider.map(smallSize, "EarlierSegment");
     const std::string segment = "SegmentWithANameTooLongForTheInlineBufferOfAString";
     const std::size_t descriptors = openDescriptorCount();
     const auto mapFailingAt = [&](std::size_t allocation) {
         const Allocations failing(allocation);
         try {
-            provider.map(size, segment);
+            provider.map(smallSize, segment);
         } catch (const std::bad_alloc&) {
             return true;
         }
