@@ -14,6 +14,7 @@
 /// copy only.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -87,6 +88,8 @@ class SharedMemoryLayout {
         const std::lock_guard<MultiProcessLock> guard(accessor_.lock());
         Layout* layout = accessor_.memory();
         std::memcpy(static_cast<void*>(&layout->record), &record, sizeof(record));
+        // The compiler must keep this order for a process that is killed in between.
+        std::atomic_signal_fence(std::memory_order_seq_cst);
         layout->version = version_;
         layout->valid = validMark;
     }
