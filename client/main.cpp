@@ -1,7 +1,7 @@
+#include "Vantric/Utils/StandardDescriptors.h"
 #include "client/CommandLine.h"
-#include "client/StandardDescriptors.h"
 
 int main(int argc, char** argv) {
-    vantricprobe::occupyStandardDescriptors();
+    com_qel::Orvane::Vantric::occupyStandardDescriptors();
     return vantricprobe::runCommandLine(argc, argv);
 }

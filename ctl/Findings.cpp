@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "Vantric/RecordFields.h"
@@ -11,51 +12,47 @@ namespace {
 
 using namespace com_qel::Orvane::Vantric;
 
-using Places = std::vector<std::string>;
+void append(std::string& places, const std::string& place) {
+    places += (places.empty() || place.empty() ? "" : ", ") + place;
+}
 
 // The names of the objects or semaphores that `isConcerned`.
 template <class Observed, class Judgement>
-Places namesWhere(const std::vector<Observed>& all, Judgement isConcerned) {
-    Places places;
+std::string namesWhere(const std::vector<Observed>& all, Judgement isConcerned) {
+    std::string names;
     for (const Observed& observed : all) {
         if (isConcerned(observed)) {
-            places.push_back(observed.file.name);
+            append(names, observed.file.name);
         }
     }
-    return places;
+    return names;
 }
 
-void addEndlessTexts(Places& places, const std::string& place, const void* record,
-                     const RecordFields& fields) {
+void appendEndlessTexts(std::string& places, const std::string& place, const void* record,
+                        const RecordFields& fields) {
     for (const RecordField& field : fields) {
         const char* text = static_cast<const char*>(record) + field.offset;
         if (field.kind == RecordField::Kind::Text && std::memchr(text, 0, field.size) == nullptr) {
-            places.push_back(place + "." + field.key);
+            append(places, place + "." + field.key);
         }
     }
 }
 
-Places endlessTexts(const Inspection& inspection) {
-    Places places;
-    addEndlessTexts(places, "ModemStateShm", &inspection.state, stateFields());
-    addEndlessTexts(places, "ModemStateEx", &inspection.extended, extendedFields());
+std::string endlessTexts(const Inspection& inspection) {
+    std::string places;
+    appendEndlessTexts(places, "ModemStateShm", &inspection.state, stateFields());
+    appendEndlessTexts(places, "ModemStateEx", &inspection.extended, extendedFields());
     const std::vector<WifiListEntry> entries = entriesOf(inspection.networks);
     for (std::size_t index = 0; index < entries.size(); ++index) {
-        addEndlessTexts(places, "ModemWifiList.entries[" + std::to_string(index) + "]",
-                        &entries[index], networkFields());
+        appendEndlessTexts(places, "ModemWifiList.entries[" + std::to_string(index) + "]",
+                           &entries[index], networkFields());
     }
     return places;
 }
 
-// A finding if there are places.
-struct Candidate {
-    const char* name;
-    Places places;
-    const char* meaning;
-    const char* remedy;
-};
+}  // namespace
 
-std::vector<Candidate> candidatesOf(const Inspection& inspection) {
+std::vector<Finding> findingsOf(const Inspection& inspection) {
     const auto objectsWhere = [&](auto isConcerned) {
         return namesWhere(inspection.objects, isConcerned);
     };
@@ -66,14 +63,13 @@ std::vector<Candidate> candidatesOf(const Inspection& inspection) {
     const auto semaphoresWhere = [&](auto isConcerned) {
         return namesWhere(inspection.semaphores, isConcerned);
     };
-    Places unreadable = objectsThatAre(Condition::Unreadable);
-    for (const std::string& name : semaphoresWhere([](const ObservedSemaphore& semaphore) {
-             return semaphore.file.error != 0 && semaphore.file.exists();
-         })) {
-        unreadable.push_back(name);
-    }
+    const auto isUnreadable = [](const auto& observed) {
+        return observed.file.error != 0 && observed.file.exists();
+    };
+    std::string unreadable = objectsWhere(isUnreadable);
+    append(unreadable, semaphoresWhere(isUnreadable));
     const auto ringIf = [](bool isConcerned) {
-        return isConcerned ? Places{objectOf<RingMemory>.name} : Places{};
+        return std::string(isConcerned ? objectOf<RingMemory>.name : "");
     };
     const ObservedObject& networks = inspection.objects[2];
     const ObservedObject& ringObject = inspection.objects[3];
@@ -91,7 +87,7 @@ std::vector<Candidate> candidatesOf(const Inspection& inspection) {
     const char* cleanUp =
         "Harmless while the server runs. To clean up, stop all programs and remove the object.";
     const char* removeObject = "Stop all programs, remove the object, start the server.";
-    return {
+    std::vector<Finding> findings = {
         {"no server", objectsThatAre(Condition::Absent),
          "No process has created the object since the machine started.", "Start the server."},
         {"nothing published", objectsThatAre(Condition::Invalid),
@@ -142,7 +138,7 @@ std::vector<Candidate> candidatesOf(const Inspection& inspection) {
          "commands are misread.",
          removeObject},
         {"count out of range",
-         isCountImpossible && networks.isPublished() ? Places{"ModemWifiList.count"} : Places{},
+         std::string(isCountImpossible && networks.isPublished() ? "ModemWifiList.count" : ""),
          "The server publishes fewer than 0 or more than 100 networks.",
          "Report the fault of the server; clients read 0 or 100."},
         {"text without end", endlessTexts(inspection),
@@ -166,21 +162,9 @@ std::vector<Candidate> candidatesOf(const Inspection& inspection) {
          "Run server and clients of one word size, after removing the semaphore; inspect with a "
          "program of that size, too."},
     };
-}
-
-}  // namespace
-
-std::vector<Finding> findingsOf(const Inspection& inspection) {
-    std::vector<Finding> findings;
-    for (const Candidate& candidate : candidatesOf(inspection)) {
-        std::string where;
-        for (const std::string& place : candidate.places) {
-            where += (where.empty() ? "" : ", ") + place;
-        }
-        if (!where.empty()) {
-            findings.push_back({candidate.name, where, candidate.meaning, candidate.remedy});
-        }
-    }
+    findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                  [](const Finding& finding) { return finding.where.empty(); }),
+                   findings.end());
     return findings;
 }
 

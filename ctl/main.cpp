@@ -1,11 +1,9 @@
 // vantricctl: the scripting companion of the client library.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 
+#include "Vantric/Utils/StandardDescriptors.h"
 #include "ctl/Commands.h"
 #include "ctl/Failure.h"
 #include "ctl/Output.h"
@@ -97,16 +95,6 @@ int run(int argumentCount, char** arguments) {
     return status;
 }
 
-// A file that is opened later must not become one of these. What is written to a closed one fails
-// as before, because nothing can be written to what takes its place.
-void occupyStandardDescriptors() {
-    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(descriptor, F_GETFD) == -1) {
-            static_cast<void>(open("/dev/null", O_RDONLY));
-        }
-    }
-}
-
 int report(int status, const std::string& sentence) {
     if (!sentence.empty()) {
         std::fprintf(stderr, "vantricctl: %s\n", sentence.c_str());
@@ -118,7 +106,7 @@ int report(int status, const std::string& sentence) {
 
 int main(int argc, char** argv) {
     try {
-        occupyStandardDescriptors();
+        com_qel::Orvane::Vantric::occupyStandardDescriptors();
         catchSignals();
         return run(argc, argv);
     } catch (const Failure& failure) {

@@ -212,13 +212,14 @@ TEST_F(Inspect, findsAnObjectOfAnotherUser) {
     EXPECT_STREQ(vantricctl::findingsOf(inspection).at(0).name, "foreign owner");
 }
 
-TEST_F(Inspect, findsAnObjectThatCannotBeRead) {
+TEST_F(Inspect, findsFilesThatCannotBeRead) {
     ASSERT_EQ(chmod("/dev/shm/ModemStateEx", 0), 0);
+    ASSERT_EQ(chmod("/dev/shm/sem.ModemStateExLock", 0), 0);
     Command command = vantric_test::vantricctl({"inspect", "--json"});
     command.preparations = {obeyFileModes};
     const Result result = run(command);
     EXPECT_EQ(findingsIn(Json::parse(result.output)),
-              std::set<std::string>{"unreadable: ModemStateEx"});
+              std::set<std::string>{"unreadable: ModemStateEx, ModemStateExLock"});
 }
 
 TEST_F(Inspect, findsALockAboveOne) {
