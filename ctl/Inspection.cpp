@@ -65,7 +65,6 @@ Inspection inspectExchange() {
             result.semaphores.push_back({readSemaphore(object.name + std::string(suffix)), true});
         }
     }
-    result.isRingLeftAlone = true;
     for (int reading = 0; reading < readings; ++reading) {
         com_qel::Orvane::Vantric::sleepForPollInterval();
         checkSignals();
@@ -73,8 +72,6 @@ Inspection inspectExchange() {
             const Semaphore now = readSemaphore(semaphore.file.name);
             semaphore = {now, semaphore.isHeldThroughout && now.isHeld()};
         }
-        result.isRingLeftAlone =
-            result.isRingLeftAlone && readRing().memory.readIndex == firstReadIndex;
     }
     result.seesAllProcesses = true;
     for (const SharedObject& object : sharedObjects) {
@@ -90,6 +87,7 @@ Inspection inspectExchange() {
     result.extended = recordIn<ModemStateExtended>(result.objects[1]);
     result.networks = recordIn<WifiInfosList>(result.objects[2]);
     result.ring.memory = recordIn<RingMemory>(result.objects[3]);
+    result.isRingLeftAlone = result.ring.memory.readIndex == firstReadIndex;
     return result;
 }
 

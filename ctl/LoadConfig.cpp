@@ -26,7 +26,7 @@ std::string requireFile(const std::string& name) {
 }
 
 // Asks for the network of `before` again.
-Stage restoreNetwork(Request& request, const ModemState& before) {
+void restoreNetwork(Request& request, const ModemState& before) {
     const std::string ssid = fieldText(before.wifiSsid);
     const std::string password = fieldText(before.wifiPassword);
     const int32_t type = before.wifiEncryptionType;
@@ -37,7 +37,7 @@ Stage restoreNetwork(Request& request, const ModemState& before) {
         return fieldView(state.wifiSsid) == ssid && fieldView(state.wifiPassword) == password &&
                state.wifiEncryptionType == type;
     };
-    return request.follow([&] { return stateShows(isShown); });
+    request.follow([&] { return stateShows(isShown); });
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ int loadConfig(const Options& options) {
     // The state of the new configuration follows a time without one, or has another host name.
     std::string hostname;
     bool hasChanged = false;
-    Stage stage = request.follow([&] {
+    const bool isLoaded = request.follow([&] {
         const ObjectCopy copy = copyOf(objectOf<ModemState>);
         if (!copy.isPublished()) {
             hasChanged = true;
@@ -63,26 +63,21 @@ int loadConfig(const Options& options) {
         hasChanged = hasChanged || hostname != fieldView(before.hostname);
         return hasChanged && hostname == options.expectedHostname.value_or(hostname);
     });
-    const bool isLoaded = stage == Stage::Confirmed;
     if (isLoaded && options.keepsWifi) {
-        stage = restoreNetwork(request, before);
+        restoreNetwork(request, before);
     }
     Report report = {
-        {"stage", stageName(stage)}, {"seconds", request.seconds()}, {"loaded", isLoaded}};
+        {"stage", request.stage()}, {"seconds", request.seconds()}, {"loaded", isLoaded}};
     report.addText("hostname", hostname);
     writeReport(report, options.asJson);
-    if (stage != Stage::Confirmed && !isLoaded) {
-        throw request.timeOver(
-            stage, !hasChanged
-                       ? "; whether it has loaded the configuration cannot be told, because "
-                         "the state stayed readable and the host name is the same."
-                   : options.expectedHostname
-                       ? "; the host name is '" + shown(hostname) + "', not the expected one."
-                       : "; the state is not readable again.");
-    }
-    if (stage != Stage::Confirmed) {
-        throw request.timeOver(stage);
-    }
+    request.requireConfirmed(
+        isLoaded ? " but not restored the network."
+        : !hasChanged
+            ? "; whether it has loaded the configuration cannot be told, because the state stayed "
+              "readable and the host name is the same."
+        : options.expectedHostname
+            ? "; the host name is '" + shown(hostname) + "', not the expected one."
+            : "; the state is not readable again.");
     return statusDone;
 }
 

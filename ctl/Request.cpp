@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cinttypes>
+#include <algorithm>
 #include <cstdio>
 
 #include "ctl/Output.h"
@@ -16,34 +16,7 @@ using std::chrono::steady_clock;
 
 constexpr unsigned int lockPatienceSeconds = 2;
 
-// The time that is left, on a line of the terminal that is empty again afterwards.
-class Countdown {
-  public:
-    ~Countdown() {
-        if (shown_ != 0) {
-            std::fprintf(stderr, "\r\033[K");
-        }
-    }
-    Countdown& operator=(Countdown&&) = delete;
-
-    void show(int64_t secondsLeft) {
-        if (isTerminal_ && secondsLeft > 0 && secondsLeft != shown_) {
-            std::fprintf(stderr, "\r\033[K%" PRId64 " s left", secondsLeft);
-            shown_ = secondsLeft;
-        }
-    }
-
-  private:
-    const bool isTerminal_ = isatty(STDERR_FILENO) == 1;
-    int64_t shown_ = 0;
-};
-
 }  // namespace
-
-const char* stageName(Stage stage) {
-    static constexpr const char* names[] = {"queued", "taken", "confirmed"};
-    return names[static_cast<std::size_t>(stage)];
-}
 
 Request::Request(uint32_t timeoutSeconds)
     : timeoutSeconds_(timeoutSeconds), deadline_(timeoutSeconds) {
@@ -58,6 +31,7 @@ Request::Request(uint32_t timeoutSeconds)
 }
 
 Request::~Request() {
+    showCountdown(0);
     commands_.reset();
     limitBlocking(0);
 }
@@ -95,32 +69,48 @@ bool Request::isTaken() {
     return bytesToTake_ == 0;
 }
 
-Stage Request::follow(const std::function<bool()>& isConfirmed) {
+bool Request::follow(const std::function<bool()>& isConfirmed) {
     using std::chrono::milliseconds;
-    Countdown countdown;
-    Stage stage = Stage::Queued;
+    stage_ = Stage::Queued;
     do {
-        if (stage == Stage::Queued && isTaken()) {
-            stage = Stage::Taken;
+        if (stage_ == Stage::Queued && isTaken()) {
+            stage_ = Stage::Taken;
         }
-        if (stage == Stage::Taken && isConfirmed()) {
-            stage = Stage::Confirmed;
+        if (stage_ == Stage::Taken && isConfirmed()) {
+            stage_ = Stage::Confirmed;
         }
         const auto elapsed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start_);
         seconds_ = static_cast<double>(elapsed.count()) / 1000;
-        countdown.show(int64_t{timeoutSeconds_} - static_cast<int64_t>(seconds_));
-    } while (stage != Stage::Confirmed && waitForPoll(deadline_));
-    return stage;
+        showCountdown(std::max<int64_t>(timeoutSeconds_ - static_cast<int64_t>(seconds_), 0));
+    } while (stage_ != Stage::Confirmed && waitForPoll(deadline_));
+    showCountdown(0);
+    return stage_ == Stage::Confirmed;
 }
 
-Failure Request::timeOver(Stage stage, const std::string& doubt) const {
-    char time[32];
-    std::snprintf(time, sizeof(time), "%.1f s: ", seconds_);
-    return Failure(statusTimeOver,
-                   "The time is over after " + std::string(time) +
-                       (stage == Stage::Queued
-                            ? "the request is still queued, the server has not taken it out."
-                            : "the server has taken the request" + doubt));
+// On a line of the terminal, which is empty again when nothing is left.
+void Request::showCountdown(int64_t secondsLeft) {
+    if (secondsLeft != shownSeconds_ && isatty(STDERR_FILENO) == 1) {
+        const std::string text = std::to_string(secondsLeft) + " s left";
+        std::fprintf(stderr, "\r\033[K%s", secondsLeft == 0 ? "" : text.c_str());
+        shownSeconds_ = secondsLeft;
+    }
+}
+
+const char* Request::stage() const {
+    static constexpr const char* names[] = {"queued", "taken", "confirmed"};
+    return names[static_cast<std::size_t>(stage_)];
+}
+
+void Request::requireConfirmed(const std::string& doubt) const {
+    if (stage_ != Stage::Confirmed) {
+        char time[32];
+        std::snprintf(time, sizeof(time), "%.1f s: ", seconds_);
+        throw Failure(statusTimeOver,
+                      "The time is over after " + std::string(time) +
+                          (stage_ == Stage::Queued
+                               ? "the request is still queued, the server has not taken it out."
+                               : "the server has taken the request" + doubt));
+    }
 }
 
 bool stateShows(const std::function<bool(const ModemState&)>& isShown) {
@@ -132,13 +122,11 @@ int carryOut(const Options& options, const Change& change) {
     const bool wasShown = change.isShown(publishedRecord<ModemState>());
     Request request(options.timeoutSeconds);
     request.send(change.command, change.payload);
-    const Stage stage = request.follow([&] { return stateShows(change.isShown); });
+    request.follow([&] { return stateShows(change.isShown); });
     writeReport(
-        {{"stage", stageName(stage)}, {"shownBefore", wasShown}, {"seconds", request.seconds()}},
+        {{"stage", request.stage()}, {"shownBefore", wasShown}, {"seconds", request.seconds()}},
         options.asJson);
-    if (stage != Stage::Confirmed) {
-        throw request.timeOver(stage);
-    }
+    request.requireConfirmed();
     return statusDone;
 }
 

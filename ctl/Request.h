@@ -21,15 +21,6 @@ namespace vantricctl {
 
 using com_qel::Orvane::Vantric::ClientServer::ModemCommand;
 
-// What is known of the requests that were sent.
-enum class Stage {
-    Queued,     // in the ring
-    Taken,      // the server took them out
-    Confirmed,  // the state shows the effect
-};
-
-const char* stageName(Stage stage);
-
 class Request {
   public:
     // Throws Failure when no server takes commands, before anything is created or changed.
@@ -42,24 +33,33 @@ class Request {
     void send(ModemCommand command, const std::string& payload = {});
 
     // Polls until all that was sent is taken and `isConfirmed`, or until the time is over. Returns
-    // the stage that was reached. Counts down on a terminal.
-    Stage follow(const std::function<bool()>& isConfirmed);
+    // whether it is confirmed. Counts down on a terminal.
+    bool follow(const std::function<bool()>& isConfirmed);
+
+    // What is known of the request at the end of follow(): it is "queued" in the ring, "taken" by
+    // the server, or "confirmed" by the state.
+    const char* stage() const;
 
     // From the start to the end of follow().
     double seconds() const { return seconds_; }
 
-    // The failure of a request that was not confirmed; `doubt` is the end of the sentence for one
+    // Throws Failure unless the request is confirmed; `doubt` is the end of the sentence about one
     // that the server has taken.
-    Failure timeOver(Stage stage, const std::string& doubt = " but not confirmed it.") const;
+    void requireConfirmed(const std::string& doubt = " but not confirmed it.") const;
 
   private:
+    enum class Stage { Queued, Taken, Confirmed };
+
     bool isTaken();
+    void showCountdown(int64_t secondsLeft);
 
     std::optional<com_qel::Orvane::Vantric::ClientServer::SharedMemoryModemCommands> commands_;
     const uint32_t timeoutSeconds_;
     const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     const Deadline deadline_;
+    Stage stage_ = Stage::Queued;
     double seconds_ = 0;
+    int64_t shownSeconds_ = 0;
     uint32_t lastReadIndex_ = 0;
     uint32_t bytesToTake_ = 0;  // up to the end of the last frame sent here
 };
@@ -86,14 +86,12 @@ Record requestUpdate(ModemCommand command, uint32_t timeoutSeconds, double& seco
     Request request(timeoutSeconds);
     request.send(command);
     Record record;
-    const Stage stage = request.follow([&] {
+    request.follow([&] {
         const ObjectCopy copy = copyOf(objectOf<Record>);
         record = recordIn<Record>(copy);
         return copy.isPublished() && record.updateCounter != before;
     });
-    if (stage != Stage::Confirmed) {
-        throw request.timeOver(stage);
-    }
+    request.requireConfirmed();
     seconds = request.seconds();
     return record;
 }

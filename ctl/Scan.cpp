@@ -26,7 +26,7 @@ std::string tableOf(const std::vector<WifiListEntry>& networks) {
 }  // namespace
 
 int scan(const Options& options) {
-    publishedCopyOf(objectOf<ModemState>);
+    publishedCopyOf(objectOf<ModemState>);  // there must be a server
     double seconds = 0;
     std::vector<WifiListEntry> networks = entriesOf(requestUpdate<WifiInfosList>(
         ModemCommand::RequestWifiList, options.timeoutSeconds, seconds));

@@ -5,7 +5,7 @@
 namespace vantricctl {
 
 int showStatus(const Options& options) {
-    publishedCopyOf(objectOf<ModemState>);
+    publishedCopyOf(objectOf<ModemState>);  // there must be a server
     double seconds = 0;
     const auto extended = options.skipsRefresh
                               ? publishedRecord<ModemStateExtended>()

@@ -254,6 +254,7 @@ TEST_F(Inspect, findsTextsWithoutEnd) {
     publishState([](auto& state) { setText(state.hostname, std::string(32, 'h')); });
     auto list = wifiListOf({10, 20}, 1);
     setText(list.entries[1].ssid, std::string(33, 's'));
+    list.entries[1].encryptionType = 0;  // a NUL, but of the next field
     server.wifiList.publish(list);
     expectFindings({"text without end: ModemStateShm.hostname, ModemWifiList.entries[1].ssid"});
 }
@@ -270,7 +271,8 @@ TEST_F(Inspect, findsAnImpossibleRing) {
 
 TEST_F(Inspect, findsAFrameThatIsLongerThanTheRing) {
     commands.enqueue(5, nullptr, 0);
-    RawSegment("ModemCommandsShm").writeWord(34, 1);
+    commands.enqueue(6, nullptr, 0);
+    RawSegment("ModemCommandsShm").writeWord(42, 1);
     expectFindings({"ring not drained: ModemCommandsShm", "torn frame: ModemCommandsShm"});
 }
 
