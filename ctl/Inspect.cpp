@@ -38,42 +38,42 @@ void addUsers(Report& report, const ObservedObject& object) {
     report.add("attachCount", object.attachCount);
     Report& mappers = report.add("mappedBy", Report::Kind::List);
     for (const Mapper& mapper : object.mappers) {
-        mappers.add("", {{"process", mapper.process},
-                         {"program", mapper.program},
-                         {"mappings", mapper.mappings}});
+        Report& row = mappers.add();
+        row.add("process", mapper.process);
+        row.add("program", mapper.program);
+        row.add("mappings", mapper.mappings);
     }
 }
 
-Report ringReport(const Ring& ring, bool showsSecrets) {
+void addRing(Report& report, const Ring& ring, bool showsSecrets) {
     const RingMemory& memory = ring.memory;
-    Report report = {{"initialized", memory.initialized},
-                     {"producers", memory.producers},
-                     {"consumers", memory.consumers},
-                     {"readIndex", memory.readIndex},
-                     {"writeIndex", memory.writeIndex},
-                     {"capacity", memory.capacity},
-                     {"full", memory.full},
-                     {"empty", memory.empty},
-                     {"usedBytes", ring.usedBytes()}};
+    report.add("initialized", memory.initialized);
+    report.add("producers", memory.producers);
+    report.add("consumers", memory.consumers);
+    report.add("readIndex", memory.readIndex);
+    report.add("writeIndex", memory.writeIndex);
+    report.add("capacity", memory.capacity);
+    report.add("full", memory.full);
+    report.add("empty", memory.empty);
+    report.add("usedBytes", ring.usedBytes());
     Report& frames = report.add("frames", Report::Kind::List);
     for (const WaitingFrame& frame : ring.frames()) {
-        Report& row = frames.add("", {{"command", frame.command},
-                                      {"name", frame.name()},
-                                      {"complete", frame.isComplete},
-                                      {"length", frame.payload.size()}});
+        Report& row = frames.add();
+        row.add("command", frame.command);
+        row.add("name", frame.name());
+        row.add("complete", frame.isComplete);
+        row.add("length", frame.payload.size());
         row.addText("payload", showsSecrets ? frame.payload : frame.withoutSecrets());
     }
-    return report;
 }
 
-Report networksReport(const WifiInfosList& list) {
-    Report report = {{"count", int32_t{list.count}},
-                     {"updateCounter", int32_t{list.updateCounter}}};
+void addNetworks(Report& report, const WifiInfosList& list) {
+    report.add("count", int32_t{list.count});
+    report.add("updateCounter", int32_t{list.updateCounter});
     Report& entries = report.add("entries", Report::Kind::List);
     for (const WifiListEntry& entry : entriesOf(list)) {
         entries.add().addFields(&entry, networkFields());
     }
-    return report;
 }
 
 // What the object holds, in its own layout.
@@ -81,7 +81,7 @@ void addContents(Report& report, const Inspection& inspection, const ObservedObj
                  bool showsSecrets) {
     const std::string& name = object.file.name;
     if (name == objectOf<RingMemory>.name) {
-        report.add("ring", ringReport(inspection.ring, showsSecrets));
+        addRing(report.add("ring"), inspection.ring, showsSecrets);
         return;
     }
     report.add("condition", conditionName(object.condition));
@@ -94,7 +94,7 @@ void addContents(Report& report, const Inspection& inspection, const ObservedObj
     } else if (name == objectOf<ModemStateExtended>.name) {
         report.add("record").addFields(&inspection.extended, extendedFields());
     } else {
-        report.add("record", networksReport(inspection.networks));
+        addNetworks(report.add("record"), inspection.networks);
     }
 }
 

@@ -66,8 +66,10 @@ int loadConfig(const Options& options) {
     if (isLoaded && options.keepsWifi) {
         restoreNetwork(request, before);
     }
-    Report report = {
-        {"stage", request.stage()}, {"seconds", request.seconds()}, {"loaded", isLoaded}};
+    Report report;
+    report.add("stage", request.stage());
+    report.add("seconds", request.seconds());
+    report.add("loaded", isLoaded);
     report.addText("hostname", hostname);
     writeReport(report, options.asJson);
     request.requireConfirmed(

@@ -161,18 +161,17 @@ std::string hexadecimal(std::string_view bytes) {
     return text;
 }
 
-Report::Report(double number) : kind(Kind::Number), value(Json(number).dump()) {}
+Report& Report::add(const std::string& name, Kind itsKind, const std::string& itsValue) {
+    return members.emplace_back(name, Report{itsKind, itsValue, {}}).second;
+}
 
-Report::Report(std::initializer_list<std::pair<const char*, Report>> group)
-    : kind(Kind::Group), members(group.begin(), group.end()) {}
-
-Report& Report::add(const std::string& name, const Report& member) {
-    return members.emplace_back(name, member).second;
+void Report::add(const std::string& name, double number) {
+    add(name, Kind::Number, Json(number).dump());
 }
 
 void Report::addText(const std::string& name, std::string_view bytes) {
     add(name, std::string(bytes));
-    add(name + "Hex", hexadecimal(bytes)).kind = Kind::ExactText;
+    add(name + "Hex", Kind::ExactText, hexadecimal(bytes));
 }
 
 void Report::addFields(const void* record, const RecordFields& fields, Secrets secrets) {
@@ -190,7 +189,7 @@ void Report::addFields(const void* record, const RecordFields& fields, Secrets s
         } else if (name != "wifiPassword" || secrets == Secrets::Shown) {
             addText(name, {place, strnlen(place, field.size)});
         } else if (secrets == Secrets::Hidden) {
-            add(name, nullptr);
+            add(name, Kind::Number, "null");
         }
     }
 }

@@ -2,7 +2,6 @@
 // standard error.
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -24,23 +23,23 @@ enum class Secrets { Omitted, Hidden, Shown };
 
 // A value, or others by their names (in a list, without names) in the order in which they were
 // added. Texts are bytes as they stand; writing makes them safe.
-class Report {
-  public:
+struct Report {
     enum class Kind { Group, List, Text, ExactText, Number };
 
-    Report(Kind itsKind = Kind::Group) : kind(itsKind) {}
-    Report(const char* text) : kind(Kind::Text), value(text) {}
-    Report(const std::string& text) : kind(Kind::Text), value(text) {}
-    Report(bool flag) : kind(Kind::Number), value(flag ? "true" : "false") {}
-    Report(double number);
-    Report(std::nullptr_t) : kind(Kind::Number), value("null") {}
+    // Adds a member and returns it.
+    Report& add(const std::string& name = {}, Kind itsKind = Kind::Group,
+                const std::string& itsValue = {});
+
+    void add(const std::string& name, const std::string& text) { add(name, Kind::Text, text); }
+    void add(const std::string& name, const char* text) { add(name, Kind::Text, text); }
+    void add(const std::string& name, bool flag) {
+        add(name, Kind::Number, flag ? "true" : "false");
+    }
+    void add(const std::string& name, double number);
     template <class Integer, class = std::enable_if_t<std::is_integral_v<Integer>>>
-    Report(Integer number) : kind(Kind::Number), value(std::to_string(number)) {}
-
-    Report(std::initializer_list<std::pair<const char*, Report>> group);
-
-    // Returns the new member.
-    Report& add(const std::string& name = {}, const Report& member = {});
+    void add(const std::string& name, Integer number) {
+        add(name, Kind::Number, std::to_string(number));
+    }
 
     // Adds what another process wrote: `name`, and `name`Hex with the exact bytes.
     void addText(const std::string& name, std::string_view bytes);
@@ -50,8 +49,8 @@ class Report {
     void addFields(const void* record, const com_qel::Orvane::Vantric::RecordFields& fields,
                    Secrets secrets = Secrets::Omitted);
 
-    Kind kind;
-    std::string value;  // a text's bytes, or JSON
+    Kind kind = Kind::Group;
+    std::string value;  // a text's bytes, or a number as JSON has it
     std::vector<std::pair<std::string, Report>> members;
 };
 

@@ -123,9 +123,11 @@ int carryOut(const Options& options, const Change& change) {
     Request request(options.timeoutSeconds);
     request.send(change.command, change.payload);
     request.follow([&] { return stateShows(change.isShown); });
-    writeReport(
-        {{"stage", request.stage()}, {"shownBefore", wasShown}, {"seconds", request.seconds()}},
-        options.asJson);
+    Report report;
+    report.add("stage", request.stage());
+    report.add("shownBefore", wasShown);
+    report.add("seconds", request.seconds());
+    writeReport(report, options.asJson);
     request.requireConfirmed();
     return statusDone;
 }

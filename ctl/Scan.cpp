@@ -39,7 +39,8 @@ int scan(const Options& options) {
         writeOutput(tableOf(networks));
         return statusDone;
     }
-    Report report = {{"seconds", seconds}};
+    Report report;
+    report.add("seconds", seconds);
     Report& list = report.add("networks", Report::Kind::List);
     for (const WifiListEntry& network : networks) {
         list.add().addFields(&network, networkFields());

@@ -30,7 +30,9 @@ void writeItem(const std::string& name, const std::string& value, bool asJson) {
         writeOutput(time + (" " + name) + ": " + shown(value) + "\n");
         return;
     }
-    Report report = {{"time", time}, {"item", name}};
+    Report report;
+    report.add("time", time);
+    report.add("item", name);
     report.addText("value", value);
     writeReport(report, true);
 }
