@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 #include <system_error>
 
 #include "ctl/Commands.h"
@@ -21,58 +22,58 @@ constexpr int pollsBetweenViews = 10;
 constexpr const char* clearTerminal = "\033[H\033[J";
 
 void addFile(Report& report, const SharedFile& file) {
-    report.add("present", file.exists());
+    report["present"] = file.exists();
     if (file.exists()) {
         if (file.error != 0) {
-            report.add("error", std::generic_category().message(file.error));
+            report["error"] = std::generic_category().message(file.error);
         }
-        report.add("size", file.size);
-        report.add("owner", file.owner);
+        report["size"] = file.size;
+        report["owner"] = file.owner;
         char mode[8];
         std::snprintf(mode, sizeof(mode), "%04o", static_cast<unsigned int>(file.mode));
-        report.add("mode", mode);
+        report["mode"] = mode;
     }
 }
 
 void addUsers(Report& report, const ObservedObject& object) {
-    report.add("attachCount", object.attachCount);
-    Report& mappers = report.add("mappedBy", Report::Kind::List);
+    report["attachCount"] = object.attachCount;
+    Report& mappers = report["mappedBy"] = Report::array();
     for (const Mapper& mapper : object.mappers) {
-        Report& row = mappers.add();
-        row.add("process", mapper.process);
-        row.add("program", mapper.program);
-        row.add("mappings", mapper.mappings);
+        Report& row = mappers.emplace_back();
+        row["process"] = mapper.process;
+        row["program"] = mapper.program;
+        row["mappings"] = mapper.mappings;
     }
 }
 
 void addRing(Report& report, const Ring& ring, bool showsSecrets) {
     const RingMemory& memory = ring.memory;
-    report.add("initialized", memory.initialized);
-    report.add("producers", memory.producers);
-    report.add("consumers", memory.consumers);
-    report.add("readIndex", memory.readIndex);
-    report.add("writeIndex", memory.writeIndex);
-    report.add("capacity", memory.capacity);
-    report.add("full", memory.full);
-    report.add("empty", memory.empty);
-    report.add("usedBytes", ring.usedBytes());
-    Report& frames = report.add("frames", Report::Kind::List);
+    report["initialized"] = memory.initialized;
+    report["producers"] = memory.producers;
+    report["consumers"] = memory.consumers;
+    report["readIndex"] = memory.readIndex;
+    report["writeIndex"] = memory.writeIndex;
+    report["capacity"] = memory.capacity;
+    report["full"] = memory.full;
+    report["empty"] = memory.empty;
+    report["usedBytes"] = ring.usedBytes();
+    Report& frames = report["frames"] = Report::array();
     for (const WaitingFrame& frame : ring.frames()) {
-        Report& row = frames.add();
-        row.add("command", frame.command);
-        row.add("name", frame.name());
-        row.add("complete", frame.isComplete);
-        row.add("length", frame.payload.size());
-        row.addText("payload", showsSecrets ? frame.payload : frame.withoutSecrets());
+        Report& row = frames.emplace_back();
+        row["command"] = frame.command;
+        row["name"] = frame.name();
+        row["complete"] = frame.isComplete;
+        row["length"] = frame.payload.size();
+        addText(row, "payload", showsSecrets ? frame.payload : frame.withoutSecrets());
     }
 }
 
 void addNetworks(Report& report, const WifiInfosList& list) {
-    report.add("count", int32_t{list.count});
-    report.add("updateCounter", int32_t{list.updateCounter});
-    Report& entries = report.add("entries", Report::Kind::List);
+    report["count"] = int32_t{list.count};
+    report["updateCounter"] = int32_t{list.updateCounter};
+    Report& entries = report["entries"] = Report::array();
     for (const WifiListEntry& entry : entriesOf(list)) {
-        entries.add().addFields(&entry, networkFields());
+        addFields(entries.emplace_back(), &entry, networkFields());
     }
 }
 
@@ -81,57 +82,57 @@ void addContents(Report& report, const Inspection& inspection, const ObservedObj
                  bool showsSecrets) {
     const std::string& name = object.file.name;
     if (name == objectOf<RingMemory>.name) {
-        addRing(report.add("ring"), inspection.ring, showsSecrets);
+        addRing(report["ring"], inspection.ring, showsSecrets);
         return;
     }
-    report.add("condition", conditionName(object.condition));
-    report.add("version", object.version);
-    report.add("valid", object.valid);
+    report["condition"] = conditionName(object.condition);
+    report["version"] = object.version;
+    report["valid"] = object.valid;
     if (name == objectOf<ModemState>.name) {
-        report.add("ageSeconds", object.ageSeconds);
-        report.add("record").addFields(&inspection.state, stateFields(),
-                                       showsSecrets ? Secrets::Shown : Secrets::Hidden);
+        report["ageSeconds"] = object.ageSeconds;
+        addFields(report["record"], &inspection.state, stateFields(),
+                  showsSecrets ? Secrets::Shown : Secrets::Hidden);
     } else if (name == objectOf<ModemStateExtended>.name) {
-        report.add("record").addFields(&inspection.extended, extendedFields());
+        addFields(report["record"], &inspection.extended, extendedFields());
     } else {
-        addNetworks(report.add("record"), inspection.networks);
+        addNetworks(report["record"], inspection.networks);
     }
 }
 
 // A list in JSON; in text, a heading for each.
 void addFindings(Report& report, const std::vector<Finding>& findings, bool asJson) {
-    Report& all = report.add("findings", asJson ? Report::Kind::List : Report::Kind::Group);
+    Report& all = report["findings"] = asJson ? Report::array() : Report::object();
     for (const Finding& finding : findings) {
-        Report& row = all.add(finding.name + (" in " + finding.where));
+        Report& row = asJson ? all.emplace_back() : all[finding.name + (" in " + finding.where)];
         if (asJson) {
-            row.add("finding", finding.name);
-            row.add("where", finding.where);
+            row["finding"] = finding.name;
+            row["where"] = finding.where;
         }
-        row.add("meaning", finding.meaning);
-        row.add("remedy", finding.remedy);
+        row["meaning"] = finding.meaning;
+        row["remedy"] = finding.remedy;
     }
 }
 
 Report reportOf(const Inspection& inspection, const std::vector<Finding>& findings,
                 const Options& options) {
     Report report;
-    Report& objects = report.add("objects");
+    Report& objects = report["objects"];
     for (const ObservedObject& object : inspection.objects) {
-        Report& row = objects.add(object.file.name);
+        Report& row = objects[object.file.name];
         addFile(row, object.file);
         if (object.file.error == 0) {
             addUsers(row, object);
             addContents(row, inspection, object, options.showsSecrets);
         }
     }
-    Report& semaphores = report.add("semaphores", Report::Kind::List);
+    Report& semaphores = report["semaphores"] = Report::array();
     for (const ObservedSemaphore& semaphore : inspection.semaphores) {
-        Report& row = semaphores.add();
-        row.add("name", semaphore.file.name);
+        Report& row = semaphores.emplace_back();
+        row["name"] = semaphore.file.name;
         addFile(row, semaphore.file);
         if (semaphore.bits != 0) {
-            row.add("bits", semaphore.bits);
-            row.add("value", semaphore.value);
+            row["bits"] = semaphore.bits;
+            row["value"] = semaphore.value;
         }
     }
     addFindings(report, findings, options.asJson);

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "ctl/Output.h"
 #include "ctl/Request.h"
@@ -66,11 +67,9 @@ int loadConfig(const Options& options) {
     if (isLoaded && options.keepsWifi) {
         restoreNetwork(request, before);
     }
-    Report report;
-    report.add("stage", request.stage());
-    report.add("seconds", request.seconds());
-    report.add("loaded", isLoaded);
-    report.addText("hostname", hostname);
+    Report report = {
+        {"stage", request.stage()}, {"seconds", request.seconds()}, {"loaded", isLoaded}};
+    addText(report, "hostname", hostname);
     writeReport(report, options.asJson);
     request.requireConfirmed(
         isLoaded ? " but not restored the network."

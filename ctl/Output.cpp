@@ -16,7 +16,6 @@ namespace vantricctl {
 namespace {
 
 using namespace com_qel::Orvane::Vantric;
-using Json = nlohmann::json;
 
 struct Range {
     uint32_t first;
@@ -58,28 +57,7 @@ std::size_t firstLength(std::string_view bytes) {
 }
 
 constexpr std::string_view typeSuffix = "Type";
-
-bool isStructured(const Report& report) {
-    return report.kind == Report::Kind::Group || report.kind == Report::Kind::List;
-}
-
-void appendJson(const Report& report, std::string& text) {
-    if (!isStructured(report)) {
-        text += report.kind == Report::Kind::Number
-                    ? report.value
-                    : Json(report.value).dump(-1, ' ', true, Json::error_handler_t::replace);
-        return;
-    }
-    const bool isList = report.kind == Report::Kind::List;
-    const char* separator = "";
-    text += isList ? "[" : "{";
-    for (const auto& [name, member] : report.members) {
-        text += separator + (isList ? "" : "\"" + name + "\":");
-        appendJson(member, text);
-        separator = ",";
-    }
-    text += isList ? "]" : "}";
-}
+constexpr std::string_view exactSuffix = "Hex";
 
 // "wifiSsid" as "wifi ssid"; names of objects and headings stay.
 std::string labelOf(const std::string& name) {
@@ -96,20 +74,20 @@ std::string labelOf(const std::string& name) {
 }
 
 std::string valueText(const Report& value) {
-    if (value.kind == Report::Kind::Text) {
-        return shown(value.value);
+    if (value.is_string()) {
+        return shown(value.get_ref<const std::string&>());
     }
-    return value.value == "true"    ? "yes"
-           : value.value == "false" ? "no"
-           : value.value == "null"  ? "-"
-                                    : value.value;
+    if (value.is_boolean()) {
+        return value.get<bool>() ? "yes" : "no";
+    }
+    return value.is_null() ? "-" : value.dump();
 }
 
 // "process 12, program vantricsim"
 std::string lineOf(const Report& element) {
     std::string line;
-    for (const auto& [name, value] : element.members) {
-        if (value.kind != Report::Kind::ExactText) {
+    for (const auto& [name, value] : element.items()) {
+        if (!isExactText(element, name)) {
             line += (line.empty() ? "" : ", ") + labelOf(name) + " " + valueText(value);
         }
     }
@@ -118,17 +96,17 @@ std::string lineOf(const Report& element) {
 
 void appendText(const Report& report, const std::string& indentation, std::string& text) {
     std::size_t width = 0;
-    for (const auto& [name, member] : report.members) {
-        width = isStructured(member) ? width : std::max(width, labelOf(name).size());
+    for (const auto& [name, member] : report.items()) {
+        width = member.is_structured() ? width : std::max(width, labelOf(name).size());
     }
-    for (const auto& [name, member] : report.members) {
+    for (const auto& [name, member] : report.items()) {
         std::string label = labelOf(name);
-        if (report.kind == Report::Kind::List) {
+        if (report.is_array()) {
             text += indentation + lineOf(member) + "\n";
-        } else if (isStructured(member)) {
-            text += indentation + label + (member.members.empty() ? ": none\n" : ":\n");
+        } else if (member.is_structured()) {
+            text += indentation + label + (member.empty() ? ": none\n" : ":\n");
             appendText(member, indentation + "  ", text);
-        } else if (member.kind != Report::Kind::ExactText) {
+        } else if (!isExactText(report, name)) {
             label.resize(width, ' ');
             text += indentation + label + "  " + valueText(member) + "\n";
         }
@@ -161,35 +139,33 @@ std::string hexadecimal(std::string_view bytes) {
     return text;
 }
 
-Report& Report::add(const std::string& name, Kind itsKind, const std::string& itsValue) {
-    return members.emplace_back(name, Report{itsKind, itsValue, {}}).second;
+void addText(Report& report, const std::string& name, std::string_view bytes) {
+    report[name] = std::string(bytes);
+    report[name + std::string(exactSuffix)] = hexadecimal(bytes);
 }
 
-void Report::add(const std::string& name, double number) {
-    add(name, Kind::Number, Json(number).dump());
+bool isExactText(const Report& report, const std::string& name) {
+    const std::size_t end = name.rfind(exactSuffix);
+    return end != std::string::npos && report.contains(name.substr(0, end));
 }
 
-void Report::addText(const std::string& name, std::string_view bytes) {
-    add(name, std::string(bytes));
-    add(name + "Hex", Kind::ExactText, hexadecimal(bytes));
-}
-
-void Report::addFields(const void* record, const RecordFields& fields, Secrets secrets) {
+void addFields(Report& report, const void* record, const RecordFields& fields, Secrets secrets) {
     for (const RecordField& field : fields) {
         const char* place = static_cast<const char*>(record) + field.offset;
         const std::string name = field.key;
         if (field.kind == RecordField::Kind::Integer) {
             int32_t number = 0;
             std::memcpy(&number, place, sizeof(number));
-            add(name, number);
+            report[name] = number;
             if (const std::size_t end = name.rfind(typeSuffix); end != std::string::npos) {
-                add(name.substr(0, end), name == "connectivityType" ? connectivityTypeName(number)
-                                                                    : encryptionTypeName(number));
+                report[name.substr(0, end)] = name == "connectivityType"
+                                                  ? connectivityTypeName(number)
+                                                  : encryptionTypeName(number);
             }
         } else if (name != "wifiPassword" || secrets == Secrets::Shown) {
-            addText(name, {place, strnlen(place, field.size)});
+            addText(report, name, {place, strnlen(place, field.size)});
         } else if (secrets == Secrets::Hidden) {
-            add(name, Kind::Number, "null");
+            report[name] = nullptr;
         }
     }
 }
@@ -208,8 +184,7 @@ void writeOutput(const std::string& text) {
 void writeReport(const Report& report, bool asJson, const char* prefix) {
     std::string text = prefix;
     if (asJson) {
-        appendJson(report, text);
-        text += "\n";
+        text += report.dump(-1, ' ', true, Report::error_handler_t::replace) + "\n";
     } else {
         appendText(report, "", text);
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "ctl/Output.h"
 #include "ctl/Ring.h"
@@ -123,11 +124,9 @@ int carryOut(const Options& options, const Change& change) {
     Request request(options.timeoutSeconds);
     request.send(change.command, change.payload);
     request.follow([&] { return stateShows(change.isShown); });
-    Report report;
-    report.add("stage", request.stage());
-    report.add("shownBefore", wasShown);
-    report.add("seconds", request.seconds());
-    writeReport(report, options.asJson);
+    writeReport(
+        {{"stage", request.stage()}, {"shownBefore", wasShown}, {"seconds", request.seconds()}},
+        options.asJson);
     request.requireConfirmed();
     return statusDone;
 }

@@ -1,6 +1,7 @@
 // The command scan.
 #include <algorithm>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 #include "ctl/Output.h"
 #include "ctl/Request.h"
@@ -39,11 +40,9 @@ int scan(const Options& options) {
         writeOutput(tableOf(networks));
         return statusDone;
     }
-    Report report;
-    report.add("seconds", seconds);
-    Report& list = report.add("networks", Report::Kind::List);
+    Report report = {{"seconds", seconds}, {"networks", Report::array()}};
     for (const WifiListEntry& network : networks) {
-        list.add().addFields(&network, networkFields());
+        addFields(report["networks"].emplace_back(), &network, networkFields());
     }
     writeReport(report, true);
     return statusDone;

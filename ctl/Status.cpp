@@ -1,4 +1,6 @@
 // The command status.
+#include <nlohmann/json.hpp>
+
 #include "ctl/Output.h"
 #include "ctl/Request.h"
 
@@ -13,11 +15,10 @@ int showStatus(const Options& options) {
                                                                   options.timeoutSeconds, seconds);
     const ObjectCopy copy = publishedCopyOf(objectOf<ModemState>);
     const auto state = recordIn<ModemState>(copy);
-    Report report;
-    report.add("ageSeconds", copy.ageSeconds);
-    report.addFields(&state, com_qel::Orvane::Vantric::stateFields());
-    report.add("refreshed", !options.skipsRefresh);
-    report.add("extended").addFields(&extended, com_qel::Orvane::Vantric::extendedFields());
+    Report report = {{"ageSeconds", copy.ageSeconds}};
+    addFields(report, &state, com_qel::Orvane::Vantric::stateFields());
+    report["refreshed"] = !options.skipsRefresh;
+    addFields(report["extended"], &extended, com_qel::Orvane::Vantric::extendedFields());
     writeReport(report, options.asJson);
     return statusDone;
 }

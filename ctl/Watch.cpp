@@ -1,6 +1,6 @@
 // The command watch.
 #include <ctime>
-#include <map>
+#include <nlohmann/json.hpp>
 
 #include "ctl/Output.h"
 #include "ctl/Request.h"
@@ -11,11 +11,10 @@ namespace {
 
 // The condition, and the texts of a state that has any.
 Report itemsOf(const ObjectCopy& copy) {
-    Report items;
-    items.add("state", conditionName(copy.condition));
+    Report items = {{"state", conditionName(copy.condition)}};
     if (copy.isPublished()) {
         const auto state = recordIn<ModemState>(copy);
-        items.addFields(&state, com_qel::Orvane::Vantric::stateFields());
+        addFields(items, &state, com_qel::Orvane::Vantric::stateFields());
     }
     return items;
 }
@@ -30,10 +29,8 @@ void writeItem(const std::string& name, const std::string& value, bool asJson) {
         writeOutput(time + (" " + name) + ": " + shown(value) + "\n");
         return;
     }
-    Report report;
-    report.add("time", time);
-    report.add("item", name);
-    report.addText("value", value);
+    Report report = {{"time", time}, {"item", name}};
+    addText(report, "value", value);
     writeReport(report, true);
 }
 
@@ -45,16 +42,13 @@ int watch(const Options& options) {
         publishedCopyOf(objectOf<ModemState>);
     }
     const Deadline deadline(options.timeoutSeconds);
-    std::map<std::string, std::string> known;
+    Report known;  // null for what was not written yet
     do {
-        for (const auto& [name, item] : itemsOf(copyOf(objectOf<ModemState>)).members) {
-            if (item.kind != Report::Kind::Text) {
-                continue;
-            }
-            const auto [entry, isNew] = known.emplace(name, item.value);
-            if (isNew || entry->second != item.value) {
-                entry->second = item.value;
-                writeItem(name, item.value, options.asJson);
+        const Report items = itemsOf(copyOf(objectOf<ModemState>));
+        for (const auto& [name, item] : items.items()) {
+            if (item.is_string() && !isExactText(items, name) && known[name] != item) {
+                known[name] = item;
+                writeItem(name, item.get<std::string>(), options.asJson);
             }
         }
     } while (waitForPoll(deadline));
