@@ -8,7 +8,6 @@ void addCommandLines(CaseList& list) {
         list.add("command_line", name, arguments, server("default.json"));
     };
     add("unknown_words", {"frobnicate", "--STATUS", "--enablewif", "-help", "--setwifi=home", ""});
-    add("h", {"-h"});
     add("help", {"--help"});
     add("h_in_the_middle", {"--enablewifi", "-h", "--status"});
     add("several", {"--disablewifi", "nonsense", "--availablewifi", "--statuscapi", "--setwifi",
@@ -31,8 +30,6 @@ void addHindrances(CaseList& list) {
     list.add("foreign_objects", "several", several, hindered(foreignObjects, "default.json"));
     list.add("foreign_for_long", hindered(foreignObjectsForLong, "default.json"), {"setwifi"});
     list.add("no_descriptors", "several", several, hindered(noDescriptors, "default.json"));
-    list.add("read_only_memory", "several", several,
-             hindered(readOnlySharedMemory, "default.json"));
     list.add("full_memory", until(seconds(75), hindered(fullSharedMemory, "")), {"status"});
     list.add("full_memory", "several", several, hindered(fullSharedMemory, ""));
 

@@ -12,11 +12,9 @@ void addCtl(CaseList& list) {
     };
     add("status", {"status"}, server("default.json"));
     add("status_stale", {"status"}, server("stale_state.json"));
-    add("scan", {"scan"}, server("awkward_names.json"));
+    add("scan", {"scan"}, server("equal_networks.json"));
     Circumstances terminal = writingTo(ClientOutput::Terminal);
     terminal.scenario = "full_ring.json";
-    add("scan_equal", {"scan"}, server("equal_networks.json"));
-    add("scan_equal_json", {"scan", "--json"}, server("equal_networks.json"));
     add("scan_queued", {"scan", "--timeout", "3"}, terminal);
     terminal.scenario = "";
     add("inspect_watch", {"inspect", "--watch", "--timeout", "3"}, terminal);
@@ -28,7 +26,6 @@ void addCtl(CaseList& list) {
     const std::string file = "/dev/null";
     add("load_config", {"load-config", file, "--keep-wifi", "--expect-hostname", "null"},
         server("default.json"));
-    add("load_config_any_hostname", {"load-config", file}, server("default.json"));
     add("load_config_doubtful", {"load-config", file, "--timeout", "3"},
         server("configuration_ignored.json"));
     add("load_config_other_hostname",

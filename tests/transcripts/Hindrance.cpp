@@ -62,17 +62,6 @@ Hindrance wallClockSet(std::chrono::nanoseconds step, const char* description) {
     return hindrance;
 }
 
-// Lays a second, read-only view of /dev/shm over the first one, which the server goes on using.
-void coverByReadOnlyView() {
-    check(mount(sharedMemory, sharedMemory, nullptr, MS_BIND, nullptr), "mounting");
-    constexpr unsigned long flags = MS_REMOUNT | MS_BIND | MS_RDONLY | MS_NOSUID | MS_NODEV;
-    check(mount(nullptr, sharedMemory, nullptr, flags, nullptr), "remounting");
-}
-
-void uncover() {
-    check(umount2(sharedMemory, MNT_DETACH), "unmounting");
-}
-
 void makeRoom() {
     constexpr unsigned long flags = MS_REMOUNT | MS_NOSUID | MS_NODEV;
     check(mount("tmpfs", sharedMemory, nullptr, flags, "size=1m"), "remounting");
@@ -116,15 +105,6 @@ Hindrance foreignObjectsForLong() {
 Hindrance noDescriptors() {
     return limited(RLIMIT_NOFILE, 3, 0ms, betweenTwoAttempts,
                    "no descriptor is left until 00:00:02.500");
-}
-
-Hindrance readOnlySharedMemory() {
-    Hindrance hindrance;
-    hindrance.description = "/dev/shm is read-only until 00:00:02.500";
-    hindrance.liftedAt = betweenTwoAttempts;
-    hindrance.raise = [](const ChildProcess&, SteppedClock&) { coverByReadOnlyView(); };
-    hindrance.lift = [](const ChildProcess&, SteppedClock&) { uncover(); };
-    return hindrance;
 }
 
 Hindrance fullSharedMemory() {

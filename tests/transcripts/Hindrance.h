@@ -30,8 +30,6 @@ Hindrance foreignObjectsForLong();
 // The client may open nothing more.
 Hindrance noDescriptors();
 
-Hindrance readOnlySharedMemory();
-
 // Nothing can be created any more; there must be no server.
 Hindrance fullSharedMemory();
 
