@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
-#include "tests/end_to_end/Transcript.h"
 #include "tests/support/LogSettings.h"
 
 namespace vantric_test {
@@ -31,10 +30,6 @@ Result runCleanly(const Command& command) {
     EXPECT_EQ(result.status.code(), 0) << "signal " << result.status.signal();
     EXPECT_EQ(result.errors, "");
     return result;
-}
-
-std::string transcript(const Command& command) {
-    return masked(runCleanly(command).output);
 }
 
 Bench::Bench(const std::string& scenario) {

@@ -20,9 +20,6 @@ Command probe(const std::vector<std::string>& arguments);
 // Runs a command that is expected to end with status 0 and an empty standard error.
 Result runCleanly(const Command& command);
 
-// The same, its output with masked durations.
-std::string transcript(const Command& command);
-
 class Bench {
   public:
     // Starts a simulated server with a scenario (JSON) and waits until it is ready.

@@ -3,8 +3,6 @@
 #include <filesystem>
 #include <regex>
 
-#include "tests/end_to_end/Transcript.h"
-
 namespace vantric_test {
 
 std::string normalised(const std::string& text) {
@@ -13,8 +11,7 @@ std::string normalised(const std::string& text) {
         R"((Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) )"
         R"(( [1-9]|[12][0-9]|3[01]) ([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9] [0-9]{4}\n)");
     static const std::regex line(R"((ModemClientC?)\|(?=[ 0-9]{5}\|) *[1-9][0-9]*\|)");
-    return std::regex_replace(std::regex_replace(masked(text), stamp, "[STAMP\n"), line,
-                              "$1|LINE|");
+    return std::regex_replace(std::regex_replace(text, stamp, "[STAMP\n"), line, "$1|LINE|");
 }
 
 void refuseConnections() {

@@ -7,7 +7,7 @@ namespace vantric_test {
 
 // `text` with "STAMP" for every time stamp of a log line and "LINE" for the line number of a record
 // whose number may change from one release to the next. Anything that has not exactly the shape of
-// the one or the other stays. Durations are masked as well.
+// the one or the other stays.
 std::string normalised(const std::string& text);
 
 // A record as a text file or the console shows it, normalised, without the line end.

@@ -84,7 +84,7 @@ TEST_P(Example, theServerTakesTheCommandOfARealClient) {
     ChildProcess server(example("serve_state"));
     ASSERT_TRUE(server.waitForOutput("published: home\n"));
 
-    const std::string client = transcript(probe({"--setwifi", "bench"}));
+    const std::string client = runCleanly(probe({"--setwifi", "bench"})).output;
 
     EXPECT_NE(client.find("Current wifi name is: home\nNow changing to bench\n"), std::string::npos)
         << client;
