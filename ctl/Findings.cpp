@@ -147,8 +147,8 @@ std::vector<Finding> findingsOf(const Inspection& inspection) {
         {"lock held", semaphoresWhere([](const ObservedSemaphore& semaphore) {
              return semaphore.isHeldThroughout;
          }),
-         "The lock was held at every look for half a second: its holder was killed or is stopped. "
-         "Who takes the lock waits without end.",
+         "The lock was held at every poll for half a second: its holder was killed or is stopped. "
+         "Every process that takes the lock waits without end.",
          "Let a stopped holder go on. A client that starts releases the lock of a dead one."},
         {"lock above one",
          semaphoresWhere([](const ObservedSemaphore& semaphore) { return semaphore.value > 1; }),

@@ -67,7 +67,7 @@ inline std::string firstDifference(const Bytes& actual, const Bytes& expected) {
            std::to_string(int{*byte}) + " instead of " + std::to_string(int{*wanted});
 }
 
-// A view of one object; it counts as nobody's attachment and outlives the removal of the name.
+// A view of one object; it does not count as an attachment and outlives the removal of the name.
 class RawSegment {
   public:
     // Throws std::runtime_error when the object cannot be mapped.
