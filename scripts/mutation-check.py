@@ -145,6 +145,7 @@ def read_table(path):
 
 
 def as_table(results, kinds):
+    """How many tests of each kind notice each fault; none where its entry says that no test can."""
     columns = sorted(set(kinds.values()) - set(NOT_RUN.split("|")))
     lines = ["| fault | " + " | ".join(columns) + " |", "|---|" + "---:|" * len(columns)]
     for name, counts in results.items():
