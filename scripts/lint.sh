@@ -38,7 +38,7 @@ alone() {
 # A batch is a generated file that includes some sources. The analyzer would leave them out, but it is off
 # for the tests, whose settings apply to their batches.
 tests_in_batches() {
-    cmake --preset lint --log-level=WARNING > /dev/null
+    cmake --preset dev -B build/lint -D CMAKE_UNITY_BUILD=ON --log-level=WARNING > /dev/null
     printf '%s\n' 'InheritParentConfig: true' 'Checks: -bugprone-suspicious-include' > build/lint/.clang-tidy
     cp tests/.clang-tidy build/lint/tests/
     sed -n 's,^ *"file": "\(.*/tests/.*[px]\)"$,build/lint \1,p' build/lint/compile_commands.json |
