@@ -22,11 +22,13 @@ check_coverage() {
 }
 
 # A finding gives a program a wrong exit status, but some cases kill a program or ignore its status: the
-# reports show a stack for each finding.
+# reports show a stack for each finding. They show one as well where a program ends by a signal.
 check_memory() {
     rm -f build/dev/memcheck.*.log
     cmake --workflow --preset memcheck
-    ! grep -E '^==[0-9]+== +(at|by) 0x' build/dev/memcheck.*.log
+    awk '/Process terminating/ { is_end = 1 } /^==[0-9]+== *$/ { is_end = 0 }
+        /^==[0-9]+== +(at|by) 0x/ && !is_end { print FILENAME ": " $0; found = 1 }
+        END { exit found }' build/dev/memcheck.*.log
 }
 
 step scripts/lint.sh --all
