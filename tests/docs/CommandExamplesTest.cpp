@@ -153,7 +153,7 @@ class Stage {
             return outputOfClient(command);
         }
         expectedStatus_ = 0;
-        command.program = name == "od" || name == "cat" ? "/usr/bin/" + name : "";
+        command.program = name == "od" ? "/usr/bin/od" : name == "cat" ? "/bin/cat" : "";
         const Result result = run(command);
         return checked(result.status, result.output, result.errors);
     }
