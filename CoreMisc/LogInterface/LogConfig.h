@@ -36,10 +36,10 @@ struct VANTRIC_EXPORT LogConfig {
     /// Names are compared byte for byte. Numbers are decimal, with leading blanks and a sign, and
     /// may be followed by anything; a text that is no number counts as 0. A level or type outside
     /// its range leaves the default. A size up to 4294967295 is taken as it is, and "-1" counts as
-    /// 4294967295. A greater size depends on the width of long, to which it is limited first: where
-    /// long has 64 bits, the lower 32 of the result remain (4294967296 becomes 0,
-    /// 99999999999999999999 becomes 4294967295); where it has 32, every such size becomes
-    /// 4294967295. Throws std::bad_alloc. Not safe while another thread calls setenv().
+    /// that greatest one. A greater size depends on the width of long, to which it is limited
+    /// first: where long has 64 bits, the lower 32 of the result remain (4294967296 becomes 0,
+    /// 99999999999999999999 becomes 4294967295); where it has 32, every such size becomes the
+    /// greatest one. Throws std::bad_alloc. Not safe while another thread calls setenv().
     LogConfig(uint32_t defaultLevel, uint32_t defaultType, const std::string& defaultRoot,
               const std::string& defaultName, uint32_t defaultSizeBytes);
 
