@@ -23,7 +23,8 @@ bool addSink() {
                                      {"VRAX_LOG_TYPE", "text_file"},
                                      {"VRAX_LOG_ROOT", "/dev"},
                                      {"VRAX_LOG_NAME", "null"}}) {
-        setenv(name, text, 1);  // NOLINT(concurrency-mt-unsafe): there is one thread
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): this program has one thread
+        setenv(name, text, 1);
     }
     VyLog::Init();
     return true;
