@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "Vantric/ClientServer/SharedMemoryModemCommands.h"
 
@@ -18,29 +17,26 @@ struct CommandDescription {
 };
 
 // In the order of the numbers.
-inline const std::vector<CommandDescription>& commandTable() {
-    using ClientServer::ModemCommand;
-    static const std::vector<CommandDescription> table = {
-        {ModemCommand::SwitchToWifi, "SwitchToWifi", "nothing"},
-        {ModemCommand::SwitchToCarrier, "SwitchToCarrier", "nothing"},
-        {ModemCommand::SetWifiSsid, "SetWifiSsid", "ssid"},
-        {ModemCommand::SetWifiPasswordAndEncryptionType, "SetWifiPasswordAndEncryptionType",
-         "encryption type,password"},
-        {ModemCommand::SetConfig, "SetConfig", "file name"},
-        {ModemCommand::RequestWifiList, "RequestWifiList", "nothing"},
-        {ModemCommand::RequestModemStatus, "RequestModemStatus", "nothing"},
-        {ModemCommand::SendText, "SendText", "text"},
-        {ModemCommand::SendTextPair, "SendTextPair", "text,text"},
-        {ModemCommand::SetWifiConnection, "SetWifiConnection", "ssid,encryption type,password"},
-        {ModemCommand::SetWifiConnectionRadius, "SetWifiConnectionRadius",
-         "ssid,encryption type,user name,password"},
-    };
-    return table;
-}
+inline constexpr CommandDescription commandTable[] = {
+    {ClientServer::ModemCommand::SwitchToWifi, "SwitchToWifi", "nothing"},
+    {ClientServer::ModemCommand::SwitchToCarrier, "SwitchToCarrier", "nothing"},
+    {ClientServer::ModemCommand::SetWifiSsid, "SetWifiSsid", "ssid"},
+    {ClientServer::ModemCommand::SetWifiPasswordAndEncryptionType,
+     "SetWifiPasswordAndEncryptionType", "encryption type,password"},
+    {ClientServer::ModemCommand::SetConfig, "SetConfig", "file name"},
+    {ClientServer::ModemCommand::RequestWifiList, "RequestWifiList", "nothing"},
+    {ClientServer::ModemCommand::RequestModemStatus, "RequestModemStatus", "nothing"},
+    {ClientServer::ModemCommand::SendText, "SendText", "text"},
+    {ClientServer::ModemCommand::SendTextPair, "SendTextPair", "text,text"},
+    {ClientServer::ModemCommand::SetWifiConnection, "SetWifiConnection",
+     "ssid,encryption type,password"},
+    {ClientServer::ModemCommand::SetWifiConnectionRadius, "SetWifiConnectionRadius",
+     "ssid,encryption type,user name,password"},
+};
 
 // Null for a number that no client sends.
 inline const CommandDescription* findCommand(uint32_t command) {
-    for (const CommandDescription& description : commandTable()) {
+    for (const CommandDescription& description : commandTable) {
         if (static_cast<uint32_t>(description.command) == command) {
             return &description;
         }

@@ -57,7 +57,7 @@ void printLine(const std::string& line) {
 }
 
 void printCommands() {
-    for (const vantric_sim::CommandDescription& row : vantric_sim::commandTable()) {
+    for (const vantric_sim::CommandDescription& row : vantric_sim::commandTable) {
         std::printf("%2u  %-33s payload: %s\n", static_cast<unsigned int>(row.command), row.name,
                     row.payload);
     }

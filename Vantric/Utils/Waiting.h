@@ -1,7 +1,8 @@
 /// \file
 /// The time limit and the pause of the operations that wait for the server.
 ///
-/// Internal to the client library. Thread-safety: a Deadline never changes.
+/// Internal to this tree: the library and vantricctl wait alike. Thread-safety: a Deadline never
+/// changes.
 #pragma once
 
 #include <chrono>

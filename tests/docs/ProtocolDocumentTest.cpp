@@ -116,7 +116,7 @@ TEST(ProtocolDocument, hasTheDisplayNames) {
 
 TEST(ProtocolDocument, hasTheCommandsThatTheSimulatorKnows) {
     Rows commands;
-    for (const vantric_sim::CommandDescription& known : vantric_sim::commandTable()) {
+    for (const vantric_sim::CommandDescription& known : vantric_sim::commandTable) {
         commands.push_back(std::to_string(static_cast<uint32_t>(known.command)) + " " + known.name);
     }
     EXPECT_EQ(rowsOf(R"(^\| (\d+) \| `([A-Z]\w+)` \|)"), commands);

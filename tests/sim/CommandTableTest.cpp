@@ -8,7 +8,7 @@ using namespace vantric_sim;
 
 TEST(CommandTable, knowsTheNumbersFiveToFifteenInOrder) {
     uint32_t expected = 5;
-    for (const CommandDescription& row : commandTable()) {
+    for (const CommandDescription& row : commandTable) {
         EXPECT_EQ(static_cast<uint32_t>(row.command), expected);
         EXPECT_EQ(findCommand(expected), &row);
         ++expected;
